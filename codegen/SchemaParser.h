@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+#include "SchemaModel.h"
+
+namespace codegen {
+
+// Reads schema description files into `schema`. On a mistake, returns false
+// with `error` as "file:line: message".
+bool parseSchemaFile(const QString& path, const QString& folder, Schema& schema, QString& error);
+
+// Checks the whole description: known types, unique bits, names, tags and ids,
+// one tag per field name and kind across all classes.
+bool validateSchema(const Schema& schema, QString& error);
+
+}  // namespace codegen

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+class Record;
+struct Payload;
+
+// What a field holds.
+enum class Kind : quint8 {
+    Double,    // double; decimal text with two places in XML and the tagged form
+    UInt64,    // quint64; ids, indices and counts
+    Bool,      // bool
+    Text,      // QString
+    DateTime,  // QDateTime, through Converters
+    Enum,      // one byte, an index into the field's name list
+    Child,     // a nested record held by value
+    List,      // a QVector of nested records
+};
+
+// Where a field stands in the XML form of its class.
+enum class XmlForm : quint8 {
+    Attribute,  // attribute of the element (also accepted as a child element when reading)
+    Element,    // text child element named after the field
+    Content,    // the text content of a leaf element
+    Child,      // the child's own element
+    List,       // one element per item
+};
+
+// Operations on a nested record held by value in a payload.
+struct ChildOps {
+    Record& (*get)(void* field);
+    const Record& (*cget)(const void* field);
+    void (*reset)(void* field);  // assigns a fresh default object
+};
+
+// Operations on a QVector of nested records held in a payload.
+struct ListOps {
+    int (*size)(const void* list);
+    Record& (*at)(void* list, int index);
+    const Record& (*cat)(const void* list, int index);
+    void (*reserve)(void* list, int count);
+    Record& (*appendDefault)(void* list);
+    void (*append)(void* list, const Record& item);  // shares the item's payload
+    void (*removeLast)(void* list);
+    void (*clear)(void* list);
+    const QString& (*itemName)();
+};
+
+// The names of an enumeration and the payload member that holds it.
+struct EnumInfo {
+    const QStringList* names;  // in index order
+    const char* memberName;    // m_<property>, as reports spell it
+};
+
+// One row of a class's field table.
+struct FieldInfo {
+    const QString* name;  // property name, also its XML name
+    quint32 tag;          // tag of the tagged form
+    quint16 offset;       // of the field within the payload
+    quint8 bit;           // presence bit, also the raw form's order
+    Kind kind;
+    XmlForm xml;
+    bool mandatory;
+    const void* aux;  // EnumInfo for Enum, ChildOps for Child, ListOps for List
+
+    const EnumInfo& enumInfo() const { return *static_cast<const EnumInfo*>(aux); }
+    const ChildOps& childOps() const { return *static_cast<const ChildOps*>(aux); }
+    const ListOps& listOps() const { return *static_cast<const ListOps*>(aux); }
+};
+
+// Rules of a class that do not follow from its field table.
+enum ClassFlag : quint32 {
+    NoClassFlags = 0,
+};
+
+// The description of one class: everything the runtime needs to handle it.
+struct ClassInfo {
+    const char* name;
+    QString (*objectName)();
+    qint64 id;
+    const FieldInfo* fields;  // in the order of writing (XML and tagged form)
+    const quint8* byBit;      // row index of each presence bit, bit 0 first
+    quint8 fieldCount;
+    bool leaf;  // attributes and text content, no child elements
+    quint32 flags;
+    Payload* (*createPayload)();
+
+    const FieldInfo& field(int bit) const { return fields[byBit[bit]]; }
+    int bitmapBytes() const { return (fieldCount + 7) / 8; }
+};
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC

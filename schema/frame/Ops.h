@@ -1,0 +1,56 @@
+#pragma once
+
+// Typed operations that field tables refer to. Included by generated sources only.
+
+#include <cstddef>
+
+#include <QVector>
+
+#include "schema/frame/ClassInfo.h"
+#include "schema/frame/Record.h"
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+template <class C>
+struct ChildOpsFor {
+    static Record& get(void* field) { return *static_cast<C*>(field); }
+    static const Record& cget(const void* field) { return *static_cast<const C*>(field); }
+    static void reset(void* field) { *static_cast<C*>(field) = C(); }
+    static constexpr ChildOps ops = {&get, &cget, &reset};
+};
+
+template <class C>
+struct ListOpsFor {
+    using List = QVector<C>;
+    static List& list(void* p) { return *static_cast<List*>(p); }
+    static const List& clist(const void* p) { return *static_cast<const List*>(p); }
+
+    static int size(const void* p) { return clist(p).size(); }
+    static Record& at(void* p, int i) { return list(p)[i]; }
+    static const Record& cat(const void* p, int i) { return clist(p).at(i); }
+    static void reserve(void* p, int count) { list(p).reserve(count); }
+    static Record& appendDefault(void* p)
+    {
+        List& l = list(p);
+        l.append(C());
+        return l.last();
+    }
+    static void append(void* p, const Record& item) { list(p).append(static_cast<const C&>(item)); }
+    static void removeLast(void* p) { list(p).removeLast(); }
+    static void clear(void* p) { list(p).clear(); }
+    static const QString& itemName()
+    {
+        static const QString name = C::GetStaticObjectName();
+        return name;
+    }
+    static constexpr ListOps ops = {&size, &at, &cat, &reserve, &appendDefault,
+                                    &append, &removeLast, &clear, &itemName};
+};
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC
+
+// Offset of a payload member; payloads are not standard-layout (QSharedData base),
+// but they have no virtual bases, so the offset is fixed.
+#define EDD_FIELD_OFFSET(Data, member) quint16(offsetof(Data, member))

@@ -1,0 +1,131 @@
+// The raw form: the presence bitmap, then the fields in bit order, with no
+// tags, no lengths and no text. Exact, compact, and tied to this layout.
+
+#include "schema/frame/Limits.h"
+#include "schema/frame/Runtime.h"
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+void Runtime::writeRaw(const Record& r, QDataStream& stream)
+{
+    Payload& p = payload(r);
+    const ClassInfo& info = r.GetClassInfo();
+    // The bitmap: bit i at byte i / 8, least significant bit first.
+    char bitmap[4];
+    for (int i = 0; i < info.bitmapBytes(); ++i)
+        bitmap[i] = char(p.presence >> (8 * i));
+    stream.writeRawData(bitmap, info.bitmapBytes());
+    for (int bit = 0; bit < info.fieldCount; ++bit) {
+        const FieldInfo& f = info.field(bit);
+        const bool present = f.mandatory || p.test(bit);
+        switch (f.kind) {
+        case Kind::Double:
+            if (present)
+                stream << value<double>(p, f);
+            break;
+        case Kind::UInt64:
+            if (present)
+                stream << qint64(value<quint64>(p, f));
+            break;
+        case Kind::Enum:
+            if (present)
+                stream << qint8(value<quint8>(p, f));
+            break;
+        case Kind::Text:
+            if (present)
+                stream << value<QString>(p, f);
+            break;
+        case Kind::DateTime:
+            if (p.test(bit))
+                stream << value<QDateTime>(p, f);
+            break;
+        case Kind::Bool:
+            if (p.test(bit))
+                stream << value<bool>(p, f);
+            break;
+        case Kind::Child:
+            if (p.test(bit))
+                writeRaw(child(p, f), stream);
+            break;
+        case Kind::List: {
+            const void* list = field(p, f);
+            const ListOps& ops = f.listOps();
+            const int n = ops.size(list);
+            stream << qint32(n);
+            if (p.test(bit))
+                for (int k = 0; k < n; ++k)
+                    writeRaw(ops.cat(list, k), stream);
+            break;
+        }
+        }
+    }
+}
+
+void Runtime::readRaw(Record& r, QDataStream& stream)
+{
+    Payload& p = payload(r);
+    const ClassInfo& info = r.GetClassInfo();
+    uchar bitmap[4] = {0, 0, 0, 0};
+    stream.readRawData(reinterpret_cast<char*>(bitmap), info.bitmapBytes());
+    quint32 presence = 0;
+    for (int i = 0; i < info.bitmapBytes(); ++i)
+        presence |= quint32(bitmap[i]) << (8 * i);
+    p.presence = presence & ((quint64(1) << info.fieldCount) - 1);
+    for (int bit = 0; bit < info.fieldCount; ++bit) {
+        const FieldInfo& f = info.field(bit);
+        const bool present = f.mandatory || p.test(bit);
+        switch (f.kind) {
+        case Kind::Double:
+            if (present)
+                stream >> value<double>(p, f);
+            break;
+        case Kind::UInt64:
+            if (present) {
+                qint64 v = 0;
+                stream >> v;
+                value<quint64>(p, f) = quint64(v);
+            }
+            break;
+        case Kind::Enum:
+            if (present) {
+                qint8 v = -1;
+                stream >> v;
+                value<quint8>(p, f) = quint8(v);
+            }
+            break;
+        case Kind::Text:
+            if (present)
+                stream >> value<QString>(p, f);
+            break;
+        case Kind::DateTime:
+            if (p.test(bit))
+                stream >> value<QDateTime>(p, f);
+            break;
+        case Kind::Bool:
+            if (present)
+                stream >> value<bool>(p, f);
+            break;
+        case Kind::Child:
+            if (present)
+                readRaw(child(p, f), stream);
+            break;
+        case Kind::List: {
+            qint32 count = 0;
+            stream >> count;
+            void* list = field(p, f);
+            const ListOps& ops = f.listOps();
+            ops.reserve(list, ops.size(list) + reservableItems(stream, count, MinRawItemBytes));
+            // A count beyond what the stream holds ends with the stream.
+            for (qint32 k = 0; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+                readRaw(beginAppend(r, p, f), stream);
+                finishAppend(r, p, f);
+            }
+            break;
+        }
+        }
+    }
+}
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC

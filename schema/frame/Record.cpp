@@ -1,0 +1,289 @@
+#include "schema/frame/Record.h"
+
+#include <QObject>
+
+#include "schema/frame/Runtime.h"
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+Payload::~Payload() = default;
+
+QStringList translatedNames(const QStringList& names)
+{
+    QStringList shown;
+    shown.reserve(names.size());
+    for (const QString& name : names)
+        shown.append(QObject::tr(name.toUtf8().constData(), nullptr, -1));
+    return shown;
+}
+
+// --- Lifecycle ---------------------------------------------------------------------
+
+Record::Record(const ClassInfo& info)
+{
+    SetObjectName(info.objectName());
+    m_classId = info.id;
+}
+
+Record::Record(const Record& other, const ClassInfo& info)
+    : IRKObject(other.GetObjectType()), d(other.d)
+{
+    if (d)
+        d->ref.ref();
+    SetObjectName(info.objectName());
+    m_classId = info.id;
+    // As SetValidate(other.GetValidate()) does, without the virtual call that a
+    // constructor cannot make yet: the copy detaches and hands the flag down.
+    IRKObject::SetValidate(other.GetValidate());
+    if (d) {
+        detach();
+        for (int i = 0; i < info.fieldCount; ++i) {
+            const FieldInfo& f = info.fields[i];
+            if (f.kind == Kind::Child) {
+                Runtime::child(*d, f).SetValidate(other.GetValidate());
+            } else if (f.kind == Kind::List) {
+                void* list = Runtime::field(*d, f);
+                const ListOps& ops = f.listOps();
+                for (int k = 0, n = ops.size(list); k < n; ++k)
+                    ops.at(list, k).SetValidate(other.GetValidate());
+            }
+        }
+    }
+}
+
+Record::~Record()
+{
+    if (d && !d->ref.deref())
+        delete d;
+}
+
+void Record::assign(const Record& other)
+{
+    if (this == &other || d == other.d)
+        return;
+    Payload* old = d;
+    d = other.d;
+    if (d)
+        d->ref.ref();
+    if (old && !old->ref.deref())
+        delete old;
+}
+
+void Record::detach() const
+{
+    if (d && d->ref.loadRelaxed() != 1) {
+        Payload* copy = d->clone();
+        copy->ref.ref();
+        if (!d->ref.deref())
+            delete d;
+        d = copy;
+    }
+}
+
+void Record::InitData() const
+{
+    detach();
+    if (d)
+        return;
+    d = GetClassInfo().createPayload();
+    d->ref.ref();
+    // Fresh children take this object's flag and logger.
+    SetValidate(GetValidate());
+    SetLogger(GetLogger());
+}
+
+Payload& Record::payload() const
+{
+    InitData();
+    return *d;
+}
+
+void Record::ConstNoClearReset() const { Runtime::resetFields(*d, GetClassInfo()); }
+
+bool Record::IsInitialized() const { return d != nullptr; }
+
+void Record::Reset()
+{
+    if (!Runtime::existing(*this))
+        return;
+    d->presence = 0;
+    ConstNoClearReset();
+}
+
+void Record::ResetToDefault()
+{
+    const bool existed = d != nullptr;
+    InitData();
+    if (existed)
+        Reset();
+}
+
+void Record::SetObjectType(RECORDKIT::ObjectTypes) {}
+
+void Record::SetValidate(bool validate) const
+{
+    IRKObject::SetValidate(validate);
+    Payload* p = Runtime::existing(*this);
+    if (!p)
+        return;
+    const ClassInfo& info = GetClassInfo();
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (f.kind == Kind::Child) {
+            Runtime::child(*p, f).SetValidate(validate);
+        } else if (f.kind == Kind::List) {
+            void* list = Runtime::field(*p, f);
+            const ListOps& ops = f.listOps();
+            for (int k = 0, n = ops.size(list); k < n; ++k)
+                ops.at(list, k).SetValidate(validate);
+        }
+    }
+}
+
+void Record::SetLogger(std::shared_ptr<RECORDKIT::Logger> logger) const
+{
+    Payload* p = Runtime::existing(*this);
+    if (p) {
+        const ClassInfo& info = GetClassInfo();
+        for (int i = 0; i < info.fieldCount; ++i) {
+            const FieldInfo& f = info.fields[i];
+            if (f.kind == Kind::Child) {
+                Runtime::child(*p, f).SetLogger(logger);
+            } else if (f.kind == Kind::List) {
+                void* list = Runtime::field(*p, f);
+                const ListOps& ops = f.listOps();
+                for (int k = 0, n = ops.size(list); k < n; ++k)
+                    ops.at(list, k).SetLogger(logger);
+            }
+        }
+    }
+    IRKObject::SetLogger(std::move(logger));
+}
+
+// --- Accessor support ------------------------------------------------------------------
+
+bool Record::isSet(int bit) const
+{
+    const Payload* p = Runtime::existing(*this);
+    return p && p->test(bit);
+}
+
+void Record::resetField(int bit)
+{
+    Payload* p = Runtime::existing(*this);
+    if (!p)
+        return;
+    const ClassInfo& info = GetClassInfo();
+    const FieldInfo& f = info.field(bit);
+    p->clear(bit);
+    void* slot = Runtime::field(*p, f);
+    switch (f.kind) {
+    case Kind::Double: *static_cast<double*>(slot) = 0.0; break;
+    case Kind::UInt64: *static_cast<quint64*>(slot) = 0; break;
+    case Kind::Bool: *static_cast<bool*>(slot) = false; break;
+    case Kind::Text: *static_cast<QString*>(slot) = QString(); break;
+    case Kind::DateTime: *static_cast<QDateTime*>(slot) = QDateTime(); break;
+    case Kind::Enum: *static_cast<quint8*>(slot) = 0xFF; break;
+    case Kind::Child: f.childOps().reset(slot); break;
+    case Kind::List: f.listOps().clear(slot); break;
+    }
+}
+
+void Record::setText(int bit, const QString& value)
+{
+    Payload& p = payload();
+    Runtime::storeText(*this, p, GetClassInfo().field(bit), value);
+}
+
+void Record::setEnum(int bit, quint8 value)
+{
+    Payload& p = payload();
+    Runtime::storeEnum(*this, p, GetClassInfo().field(bit), value);
+}
+
+void Record::appendItem(int bit, const Record& item)
+{
+    Payload& p = payload();
+    Runtime::append(*this, p, GetClassInfo().field(bit), item);
+}
+
+QString Record::enumName(int bit, quint8 value) const
+{
+    const QStringList& names = *GetClassInfo().field(bit).enumInfo().names;
+    const qint8 index = qint8(value);
+    return index >= 0 && index < names.size() ? names.at(index) : QString();
+}
+
+quint8 Record::enumIndex(int bit, const QString& name) const
+{
+    return Runtime::enumIndex(GetClassInfo().field(bit), name);
+}
+
+bool Record::enumValid(int bit, quint8 value) const { return Runtime::enumValid(GetClassInfo().field(bit), value); }
+
+// --- Whole-object rules ------------------------------------------------------------------
+
+bool Record::HasData() const { return Runtime::hasData(*this); }
+bool Record::AnyData() const { return Runtime::anyData(*this); }
+bool Record::equals(const Record& other) const { return Runtime::equal(*this, other); }
+
+void Record::Check() const { Check(false); }
+
+void Record::Check(bool traceOnly) const
+{
+    Runtime::handDown(*this);
+    Runtime::check(*this, traceOnly);
+}
+
+bool Record::MergeRKObject(const RECORDKIT::IRKObject& other)
+{
+    const auto* source = dynamic_cast<const Record*>(&other);
+    if (!source || source->m_classId != m_classId || &source->GetClassInfo() != &GetClassInfo())
+        return false;
+    try {
+        Runtime::merge(*this, *source);
+    } catch (const RKException& e) {
+        Trace(RECORDKIT::ERROR, e);
+        return false;
+    }
+    return true;
+}
+
+// --- Forms -------------------------------------------------------------------------------
+
+void Record::GetXml(QXmlStreamWriter& writer) const
+{
+    Runtime::handDown(*this);
+    if (GetValidate())
+        Check();
+    Runtime::writeXml(*this, writer);
+}
+
+void Record::ProcessXml(QXmlStreamReader& reader) { Runtime::readXml(*this, reader); }
+
+void Record::ProcessXmlStartElement(QXmlStreamReader& reader) { Runtime::readXmlChildElement(*this, reader); }
+
+void Record::readLeafXml(QXmlStreamReader& reader) { Runtime::readLeafXml(*this, reader); }
+
+bool Record::GetBinary(QDataStream& stream, int tag, bool withTag) const
+{
+    Runtime::handDown(*this);
+    if (GetValidate())
+        Check();
+    return Runtime::writeTagged(*this, stream, tag, withTag);
+}
+
+void Record::SetBinary(QDataStream& stream, int length)
+{
+    Runtime::handDown(*this);
+    payload();
+    Runtime::readTagged(*this, stream, length);
+}
+
+void Record::GetVersionSpecificBinaryWithoutValidation(QDataStream& stream) const { Runtime::writeRaw(*this, stream); }
+
+void Record::SetVersionSpecificBinaryWithoutValidation(QDataStream& stream) { Runtime::readRaw(*this, stream); }
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC

@@ -1,0 +1,97 @@
+#pragma once
+
+// The rules of the frame, written once and driven by the field tables.
+// Internal to the library.
+
+#include <QDataStream>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include "schema/frame/ClassInfo.h"
+#include "schema/frame/Record.h"
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+class Runtime {
+public:
+    // --- Payload access ---------------------------------------------------------
+    static Payload& payload(const Record& r) { return r.payload(); }
+    // The payload if there is one (detached), without creating it.
+    static Payload* existing(const Record& r)
+    {
+        r.detach();
+        return r.d;
+    }
+    static void* field(Payload& p, const FieldInfo& f) { return reinterpret_cast<char*>(&p) + f.offset; }
+    template <class T>
+    static T& value(Payload& p, const FieldInfo& f)
+    {
+        return *static_cast<T*>(field(p, f));
+    }
+    static Record& child(Payload& p, const FieldInfo& f) { return f.childOps().get(field(p, f)); }
+
+    // --- Flag and logger --------------------------------------------------------
+    // Hands the object's validate flag and logger down its whole tree.
+    static void handDown(const Record& r)
+    {
+        r.SetValidate(r.GetValidate());
+        r.SetLogger(r.GetLogger());
+    }
+    // Gives a fresh item the flag and logger of the object that holds it.
+    static void adopt(const Record& owner, const Record& item)
+    {
+        item.SetValidate(owner.GetValidate());
+        item.SetLogger(owner.GetLogger());
+    }
+
+    // --- Reporting ----------------------------------------------------------------
+    // A fault of a setter, an append or a writer: raised with validation on, a warning without.
+    static void report(const Record& r, RKException& e);
+    // A fault found by Check: raised unless only tracing.
+    static void reportCheck(const Record& r, RKException& e, bool traceOnly)
+    {
+        r.TraceOrThrow(RECORDKIT::ERROR, e, !traceOnly, true);
+    }
+    // A fault that is logged and never raised: an error with validation on, a warning without.
+    static void reportSoft(const Record& r, RKException& e);
+    [[noreturn]] static void lengthError(const Record& r);
+    static QString objectName(const Record& r) { return r.GetObjectName(); }
+
+    // --- Field rules ------------------------------------------------------------------
+    static bool hasData(const Record& r);
+    static bool anyData(const Record& r);
+    static void check(const Record& r, bool traceOnly);
+    static bool equal(const Record& a, const Record& b);
+    static void resetFields(Payload& p, const ClassInfo& info);
+    static void merge(Record& target, const Record& source);
+
+    static void storeText(Record& r, Payload& p, const FieldInfo& f, const QString& value);
+    static void storeEnum(Record& r, Payload& p, const FieldInfo& f, quint8 value);
+    static bool enumValid(const FieldInfo& f, quint8 value);
+    // The index of `name` in the field's name list, 0xFF if it is not there.
+    static quint8 enumIndex(const FieldInfo& f, const QString& name);
+    // Appends a copy of `item`, with the test of completeness.
+    static void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
+    // A new item at the end of the list, with the owner's flag and logger, to be read in place.
+    static Record& beginAppend(Record& owner, Payload& p, const FieldInfo& f);
+    // Applies the test of completeness to the item that beginAppend made and that has been read.
+    static void finishAppend(Record& owner, Payload& p, const FieldInfo& f);
+
+    // --- Forms ----------------------------------------------------------------------
+    static void writeXml(const Record& r, QXmlStreamWriter& writer);
+    static void readXml(Record& r, QXmlStreamReader& reader);
+    static void readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader);
+    static void readXmlChildElement(Record& r, QXmlStreamReader& reader);
+    static void readLeafXml(Record& r, QXmlStreamReader& reader);
+    static QString textValue(Record& r, QXmlStreamReader& reader) { return r.GetTextValue(reader); }
+
+    static bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
+    static void readTagged(Record& r, QDataStream& stream, qint64 length);
+
+    static void writeRaw(const Record& r, QDataStream& stream);
+    static void readRaw(Record& r, QDataStream& stream);
+};
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC

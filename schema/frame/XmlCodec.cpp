@@ -1,0 +1,204 @@
+// The XML form: a leaf element (attributes and text content) or a branch
+// element (attributes and child elements), by the class's field table.
+
+#include "recordkit/Converters.h"
+#include "schema/frame/Runtime.h"
+#include "schema/frame/TextForms.h"
+
+namespace EMITTERDOSSIERDOC {
+namespace Frame {
+
+// --- Writing -------------------------------------------------------------------------
+
+static void reportMissing(const Record& r, const FieldInfo& f)
+{
+    IncompleteDefinitionException e(QStringLiteral("Parameters for %1 are not set properly in '%2'.")
+                                        .arg(*f.name, Runtime::objectName(r)));
+    Runtime::report(r, e);
+}
+
+void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
+{
+    // Flag and logger have been handed down and the tree checked where the write began.
+    if (r.GetValidate() && !r.HasData())
+        return;
+    Payload& p = payload(r);
+    const ClassInfo& info = r.GetClassInfo();
+    writer.writeStartElement(r.GetObjectName());
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (f.xml == XmlForm::Attribute && (f.mandatory || p.test(f.bit)))
+            writer.writeAttribute(*f.name, fieldText(p, f));
+    }
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        const bool set = p.test(f.bit);
+        switch (f.xml) {
+        case XmlForm::Attribute: break;
+        case XmlForm::Content:
+            if (f.mandatory || set)
+                writer.writeCharacters(fieldText(p, f));
+            break;
+        case XmlForm::Element:
+            if (f.mandatory || set)
+                writer.writeTextElement(*f.name, fieldText(p, f));
+            break;
+        case XmlForm::Child: {
+            const Record& c = child(p, f);
+            if (f.mandatory && !c.HasData())
+                reportMissing(r, f);
+            if (set)
+                writeXml(c, writer);
+            break;
+        }
+        case XmlForm::List: {
+            const void* list = field(p, f);
+            const ListOps& ops = f.listOps();
+            for (int k = 0, n = ops.size(list); k < n; ++k) {
+                const Record& item = ops.cat(list, k);
+                if (!item.HasData())
+                    reportMissing(r, f);
+                if (set)
+                    writeXml(item, writer);
+            }
+            break;
+        }
+        }
+    }
+    writer.writeEndElement();
+}
+
+// --- Reading -------------------------------------------------------------------------
+
+static void storeBool(Record& r, Payload& p, const FieldInfo& f, const QString& text)
+{
+    const QString lower = text.toLower();
+    bool value = false;
+    if (lower.isEmpty()) {
+        InvalidXmlException e(QStringLiteral("Please set a value or a default for the boolean '%1' in '%2'.")
+                                  .arg(*f.name, Runtime::objectName(r)));
+        Runtime::reportSoft(r, e);
+    } else {
+        value = lower != QLatin1String("0") && lower != QLatin1String("false");
+    }
+    Runtime::value<bool>(p, f) = value;
+    p.set(f.bit);
+}
+
+// Stores the text of an attribute or a text element through the field's setter.
+static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QString& text, bool fromAttribute)
+{
+    switch (f.kind) {
+    case Kind::Double:
+        Runtime::value<double>(p, f) = text.toDouble();
+        break;
+    case Kind::UInt64:
+        // Attributes are read unsigned, element text signed: a text above the
+        // signed range reads as 0 there.
+        Runtime::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
+        break;
+    case Kind::Bool:
+        storeBool(r, p, f, text);
+        return;
+    case Kind::Text:
+        Runtime::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
+        return;
+    case Kind::DateTime:
+        Runtime::value<QDateTime>(p, f) = Converters::ToDateTime(text);
+        break;
+    case Kind::Enum:
+        Runtime::storeEnum(r, p, f, Runtime::enumIndex(f, text));
+        return;
+    case Kind::Child:
+    case Kind::List:
+        return;
+    }
+    p.set(f.bit);
+}
+
+void Runtime::readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader)
+{
+    const ClassInfo& info = r.GetClassInfo();
+    const QXmlStreamAttributes attributes = reader.attributes();
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (f.xml == XmlForm::Attribute && attributes.hasAttribute(*f.name))
+            storeFromText(r, p, f, attributes.value(*f.name).toString(), true);
+    }
+}
+
+void Runtime::readXml(Record& r, QXmlStreamReader& reader)
+{
+    Payload& p = payload(r);
+    if (r.GetClassInfo().leaf) {
+        readLeafXml(r, reader);
+        return;
+    }
+    readXmlAttributes(r, p, reader);
+    // Once for the whole element: every child made during the read takes the
+    // setting when it is made.
+    handDown(r);
+    r.IRKObject::ProcessXml(reader);
+}
+
+void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
+{
+    Payload& p = payload(r);
+    const ClassInfo& info = r.GetClassInfo();
+    const QStringRef tag = reader.name();
+    for (int bit = 0; bit < info.fieldCount; ++bit) {
+        const FieldInfo& f = info.field(bit);
+        if (f.xml == XmlForm::Content || tag != *f.name)
+            continue;
+        switch (f.xml) {
+        case XmlForm::Attribute:
+        case XmlForm::Element:
+            storeFromText(r, p, f, textValue(r, reader), false);
+            break;
+        case XmlForm::Child:
+            child(p, f).ProcessXml(reader);
+            p.set(f.bit);
+            break;
+        case XmlForm::List:
+            beginAppend(r, p, f).ProcessXml(reader);
+            finishAppend(r, p, f);
+            break;
+        case XmlForm::Content: break;
+        }
+        return;
+    }
+    // An unknown element is passed over up to the next token of the same name.
+    const QString unknown = tag.toString();
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.name() == unknown)
+            break;
+    }
+}
+
+void Runtime::readLeafXml(Record& r, QXmlStreamReader& reader)
+{
+    const QString tag = reader.name().toString();
+    Payload& p = payload(r);
+    readXmlAttributes(r, p, reader);
+    const QString text = textValue(r, reader);
+    const ClassInfo& info = r.GetClassInfo();
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (f.xml != XmlForm::Content)
+            continue;
+        // The content goes straight into the field, without the setter's test.
+        switch (f.kind) {
+        case Kind::Double: value<double>(p, f) = text.toDouble(); break;
+        case Kind::UInt64: value<quint64>(p, f) = quint64(text.toLongLong()); break;
+        case Kind::Text: value<QString>(p, f) = text.isNull() ? QStringLiteral("") : text; break;
+        default: storeFromText(r, p, f, text, false); break;
+        }
+        p.set(f.bit);
+    }
+    while (!reader.atEnd() && reader.name() != tag)
+        reader.readNext();
+}
+
+}  // namespace Frame
+}  // namespace EMITTERDOSSIERDOC
