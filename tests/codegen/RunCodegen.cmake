@@ -1,0 +1,30 @@
+# Runs edd-codegen on one description and checks its exit code and message.
+#   -DCODEGEN=<exe> -DSCHEMA=<file> -DOUT=<dir> -DEXPECT=<text or empty for success>
+execute_process(
+  COMMAND ${CODEGEN} --source-root ${CMAKE_CURRENT_LIST_DIR} --out ${OUT} ${SCHEMA}
+  RESULT_VARIABLE result
+  ERROR_VARIABLE errors
+  OUTPUT_VARIABLE output)
+if(EXPECT STREQUAL "")
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "edd-codegen refused a valid description: ${errors}")
+  endif()
+  foreach(generated cases/One.h cases/One.cpp cases/Two.h cases/Two.cpp EmitterDossierDoc/EmitterDossierDoc.h)
+    if(NOT EXISTS ${OUT}/${generated})
+      message(FATAL_ERROR "edd-codegen did not write ${generated}")
+    endif()
+  endforeach()
+  file(READ ${OUT}/cases/Two.cpp two)
+  string(FIND "${two}" "QString::fromLatin1(\"dB\\xb5\"\"V\")" micro)
+  if(micro EQUAL -1)
+    message(FATAL_ERROR "the name dBµV is not written as 8-bit text:\n${two}")
+  endif()
+else()
+  if(result EQUAL 0)
+    message(FATAL_ERROR "edd-codegen accepted a broken description: ${SCHEMA}")
+  endif()
+  string(FIND "${errors}" "${EXPECT}" found)
+  if(found EQUAL -1)
+    message(FATAL_ERROR "expected the message\n  ${EXPECT}\nbut edd-codegen said\n  ${errors}")
+  endif()
+endif()
