@@ -33,8 +33,12 @@ QString latin1Literal(const QString& text)
     return out + QLatin1Char('"');
 }
 
+bool isEnumList(const Field& f) { return f.xml == XmlShape::List && f.type == FieldType::Enum; }
+
 QString cppType(const Field& f)
 {
+    if (isEnumList(f))
+        return QStringLiteral("QVector<%1>").arg(f.name);
     switch (f.type) {
     case FieldType::Double: return QStringLiteral("double");
     case FieldType::UInt64: return QStringLiteral("quint64");
@@ -50,6 +54,8 @@ QString cppType(const Field& f)
 
 QString initialValue(const Field& f)
 {
+    if (isEnumList(f))
+        return QString();
     switch (f.type) {
     case FieldType::Double: return QStringLiteral(" = 0.0");
     case FieldType::UInt64: return QStringLiteral(" = 0");
@@ -61,6 +67,8 @@ QString initialValue(const Field& f)
 
 QString kindName(const Field& f)
 {
+    if (isEnumList(f))
+        return QStringLiteral("EnumList");
     switch (f.type) {
     case FieldType::Double: return QStringLiteral("Double");
     case FieldType::UInt64: return QStringLiteral("UInt64");
@@ -83,6 +91,16 @@ QString xmlName(const Field& f)
     case XmlShape::List: return QStringLiteral("List");
     }
     return QString();
+}
+
+QString flagsOf(const Field& f)
+{
+    if (f.flags.isEmpty())
+        return QStringLiteral("Frame::NoFieldFlags");
+    QStringList parts;
+    for (const QString& flag : f.flags)
+        parts.append(QStringLiteral("Frame::") + flag.at(0).toUpper() + flag.mid(1));
+    return QStringLiteral("quint8(%1)").arg(parts.join(QStringLiteral(" | ")));
 }
 
 QString describe(const Field& f)
@@ -168,6 +186,12 @@ public:
         if (c.isLeaf())
             h += QStringLiteral("    // Reads the element the reader stands on; the body of ProcessXml.\n"
                                 "    void ReadValuesFromXml(QXmlStreamReader& reader);\n");
+        if (!c.version.isEmpty())
+            h += QStringLiteral("\n    // The schema version, \"%1\", written first in every form.\n"
+                                "    const QString& GetVersion() const override;\n"
+                                "    // The version text of what was last read; null until then.\n"
+                                "    const QString& GetInitialVersionLoaded() const;\n")
+                     .arg(c.version);
         for (const Field& f : fields())
             h += QStringLiteral("\n    // %1\n").arg(describe(f)) + declarations(f);
         h += QStringLiteral("\nprivate:\n    struct Data;\n    Data& data() const;\n};\n\n}  // namespace EMITTERDOSSIERDOC\n\n");
@@ -193,34 +217,42 @@ public:
                 for (const QString& n : f.enumNames)
                     literals.append(QStringLiteral("QString::fromLatin1(%1)").arg(latin1Literal(n)));
                 s += QStringLiteral("const QStringList %1Names = {%2};\n").arg(f.name, literals.join(QStringLiteral(", ")));
-                s += QStringLiteral("const Frame::EnumInfo %1Enum = {&%1Names, \"%2\"};\n").arg(f.name, memberName(f.name));
+                if (isEnumList(f))
+                    s += QStringLiteral("const Frame::EnumListInfo %1Enum = Frame::EnumListOpsFor<%2::%1>::info(&%1Names, \"%3\");\n")
+                             .arg(f.name, c.name, memberName(f.name));
+                else
+                    s += QStringLiteral("const Frame::EnumInfo %1Enum = {&%1Names, \"%2\"};\n").arg(f.name, memberName(f.name));
             }
         s += QStringLiteral("\n}  // namespace\n\n");
         // The payload.
         s += QStringLiteral("struct %1::Data : Frame::PayloadOf<%1::Data> {\n").arg(C);
+        if (!c.version.isEmpty())
+            s += QStringLiteral("    QString m_version = QStringLiteral(\"%1\");\n    QString m_initialVersionLoaded;\n")
+                     .arg(c.version);
         for (const Field& f : fields())
             s += QStringLiteral("    %1 %2%3;\n").arg(cppType(f), memberName(f.name), initialValue(f));
         s += QStringLiteral("};\n\n");
         // The field table, in the order of writing.
         s += QStringLiteral("const Frame::ClassInfo& %1::StaticClassInfo()\n{\n"
                             "    using Frame::Kind;\n    using Frame::XmlForm;\n"
-                            "    // name, tag, offset, bit, kind, XML form, mandatory, names or nested operations\n"
+                            "    // name, tag, offset, bit, kind, XML form, mandatory, flags, names or nested operations\n"
                             "    static const Frame::FieldInfo fields[] = {\n")
                  .arg(C);
         for (int i = 0; i < c.fields.size(); ++i) {
             const Field& f = c.fields.at(i);
             QString aux = QStringLiteral("nullptr");
             if (f.type == FieldType::Enum)
-                aux = QStringLiteral("&%1Enum").arg(f.name);
+                aux = QStringLiteral("&%1Enum").arg(f.name);  // EnumInfo, or EnumListInfo for a list
             else if (f.type == FieldType::Class)
                 aux = QStringLiteral("&Frame::%1<%2>::ops")
                           .arg(f.xml == XmlShape::List ? QStringLiteral("ListOpsFor") : QStringLiteral("ChildOpsFor"),
                                f.className);
-            s += QStringLiteral("        {&fieldNames[%1], %2u, EDD_FIELD_OFFSET(Data, %3), %4, Kind::%5, XmlForm::%6, %7, %8},\n")
+            s += QStringLiteral("        {&fieldNames[%1], %2u, EDD_FIELD_OFFSET(Data, %3), %4, Kind::%5, XmlForm::%6, %7, %8, %9},\n")
                      .arg(i)
                      .arg(hex32(f.tag), memberName(f.name))
                      .arg(f.bit)
-                     .arg(kindName(f), xmlName(f), f.mandatory ? QStringLiteral("true") : QStringLiteral("false"), aux);
+                     .arg(kindName(f), xmlName(f), f.mandatory ? QStringLiteral("true") : QStringLiteral("false"),
+                          flagsOf(f), aux);
         }
         s += QStringLiteral("    };\n");
         QStringList byBit;
@@ -229,15 +261,19 @@ public:
         for (int i = 0; i < c.fields.size(); ++i)
             byBit[c.fields.at(i).bit] = QString::number(i);
         s += QStringLiteral("    static const quint8 byBit[] = {%1};\n").arg(byBit.join(QStringLiteral(", ")));
-        QStringList flags = c.flags;
-        for (QString& flag : flags)
-            flag = QStringLiteral("Frame::") + flag;
+        QString version = QStringLiteral("nullptr");
+        if (!c.version.isEmpty()) {
+            s += QStringLiteral("    static const QString versionText = QStringLiteral(\"%1\");\n"
+                                "    static const Frame::VersionInfo versionInfo = {&versionText, %2u, "
+                                "EDD_FIELD_OFFSET(Data, m_version), EDD_FIELD_OFFSET(Data, m_initialVersionLoaded)};\n")
+                     .arg(c.version, hex32(c.versionTag));
+            version = QStringLiteral("&versionInfo");
+        }
         s += QStringLiteral("    static const Frame::ClassInfo info = {\"%1\", &%1::GetStaticObjectName, id, fields, byBit, %2, %3, %4, &Data::create};\n"
                             "    return info;\n}\n\n")
                  .arg(C)
                  .arg(c.fields.size())
-                 .arg(c.isLeaf() ? QStringLiteral("true") : QStringLiteral("false"),
-                      flags.isEmpty() ? QStringLiteral("Frame::NoClassFlags") : flags.join(QStringLiteral(" | ")));
+                 .arg(c.isLeaf() ? QStringLiteral("true") : QStringLiteral("false"), version);
         // The class face.
         s += QStringLiteral(
                  "qint64 %1::GetId() { return id; }\n"
@@ -261,6 +297,10 @@ public:
                  .arg(C);
         if (c.isLeaf())
             s += QStringLiteral("void %1::ReadValuesFromXml(QXmlStreamReader& reader) { readLeafXml(reader); }\n").arg(C);
+        if (!c.version.isEmpty())
+            s += QStringLiteral("const QString& %1::GetVersion() const { return schemaVersion(); }\n"
+                                "const QString& %1::GetInitialVersionLoaded() const { return loadedVersion(); }\n")
+                     .arg(C);
         for (const Field& f : fields())
             s += QLatin1Char('\n') + definitions(f);
         s += QStringLiteral("\n}  // namespace EMITTERDOSSIERDOC\n");
@@ -310,6 +350,26 @@ private:
                      .arg(X);
             break;
         case FieldType::Enum:
+            if (isEnumList(f)) {
+                d += QStringLiteral(
+                         "    QVector<%1>& Get%1();\n"
+                         "    const QVector<%1>& Get%1() const;\n"
+                         "    void Set%1(const QVector<%1>& value);\n"
+                         "    void Append%1(const %1& value);\n")
+                         .arg(X);
+                d += common(f);
+                d += QStringLiteral(
+                         "    bool IsValid%1(const %1& value) const;\n"
+                         "    bool IsValid%1(const QVector<%1>& values) const;\n"
+                         "    const %1 GetDefault%1() const;\n"
+                         "    const %1 GetInvalid%1() const;\n"
+                         "    QString %1ToName(const %1& value) const;\n"
+                         "    %1 NameTo%1(const QString& name) const;\n"
+                         "    static QStringList Get%1s();\n"
+                         "    static QStringList GetGUI%1s();\n")
+                         .arg(X);
+                break;
+            }
             d += QStringLiteral("    const %1& Get%1() const;\n    void Set%1(const %1& value);\n").arg(X);
             d += common(f);
             d += QStringLiteral(
@@ -382,6 +442,23 @@ private:
             line(QStringLiteral("const QDateTime %1::GetDefault%2() const { return QDateTime(); }").arg(C, X));
             break;
         case FieldType::Enum:
+            if (isEnumList(f)) {
+                line(QStringLiteral("QVector<%1::%2>& %1::Get%2() { return marked(%4, data().%3); }").arg(C, X, m, b));
+                line(QStringLiteral("const QVector<%1::%2>& %1::Get%2() const { return data().%3; }").arg(C, X, m));
+                line(QStringLiteral("void %1::Set%2(const QVector<%2>& value) { setValue(%4, data().%3, value); }").arg(C, X, m, b));
+                line(QStringLiteral("void %1::Append%2(const %2& value) { appendEnum(%3, value); }").arg(C, X, b));
+                line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(%3, value); }").arg(C, X, b));
+                line(QStringLiteral("bool %1::IsValid%2(const QVector<%2>& values) const { return allValid(%3, values); }")
+                         .arg(C, X, b));
+                line(QStringLiteral("const %1::%2 %1::GetDefault%2() const { return %2(0xFF); }").arg(C, X));
+                line(QStringLiteral("const %1::%2 %1::GetInvalid%2() const { return %2(0xFF); }").arg(C, X));
+                line(QStringLiteral("QString %1::%2ToName(const %2& value) const { return enumName(%3, value); }").arg(C, X, b));
+                line(QStringLiteral("%1::%2 %1::NameTo%2(const QString& name) const { return %2(enumIndex(%3, name)); }")
+                         .arg(C, X, b));
+                line(QStringLiteral("QStringList %1::Get%2s() { return %2Names; }").arg(C, X));
+                line(QStringLiteral("QStringList %1::GetGUI%2s() { return Frame::translatedNames(%2Names); }").arg(C, X));
+                break;
+            }
             line(QStringLiteral("const %1::%2& %1::Get%2() const { return data().%3; }").arg(C, X, m));
             line(QStringLiteral("void %1::Set%2(const %2& value) { setEnum(%3, value); }").arg(C, X, b));
             line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(%3, value); }").arg(C, X, b));

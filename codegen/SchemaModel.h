@@ -9,6 +9,7 @@
 namespace codegen {
 
 enum class FieldType { Double, UInt64, Bool, Text, DateTime, Enum, Class };
+// A list of enumeration values is a `list` row of type `enum`.
 enum class XmlShape { Attribute, Element, Content, Child, List };
 
 struct Field {
@@ -20,6 +21,7 @@ struct Field {
     bool mandatory = false;
     quint32 tag = 0;
     QStringList enumNames;  // for Enum, in index order
+    QStringList flags;      // rules of the field beyond its kind and presence
     QString file;
     int line = 0;
 };
@@ -31,7 +33,8 @@ struct SchemaClass {
     QString folder;  // subsystem folder relative to the source root, e.g. "schema/values"
     QString sourceFile;
     QVector<Field> fields;  // in the order of writing
-    QStringList flags;
+    QString version;     // the schema version a root class carries, or empty
+    quint32 versionTag = 0;
     QString file;
     int line = 0;
 

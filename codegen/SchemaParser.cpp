@@ -10,8 +10,11 @@ namespace codegen {
 
 namespace {
 
-// Flags a class may carry: rules of its own that the field table does not say.
-const QStringList KnownFlags = {};
+// Flags a field may carry: rules of its own that its row does not say.
+//   omitWhenEmpty           the tagged form has the list's record only when it holds
+//                           items, and the raw form its count only under the bit
+//   noIncompleteItemReport  the XML writer does not report the list's incomplete items
+const QStringList KnownFlags = {QStringLiteral("omitWhenEmpty"), QStringLiteral("noIncompleteItemReport")};
 
 struct Line {
     QStringList words;  // quoted words keep their quotes
@@ -133,6 +136,8 @@ private:
             return fail(head.number, QStringLiteral("class id must be 0x followed by 8 hex digits"), error);
         QHash<QString, QStringList> enums;
         QHash<QString, int> enumLines;
+        QVector<QPair<QString, QString>> flags;  // field, flag
+        QVector<int> flagLines;
         while (true) {
             if (m_pos >= m_lines.size())
                 return fail(head.number, QStringLiteral("class %1 has no 'end'").arg(cls.name), error);
@@ -152,11 +157,17 @@ private:
                 enums.insert(line.words.at(1), names);
                 enumLines.insert(line.words.at(1), line.number);
             } else if (word == QLatin1String("flag")) {
-                if (line.words.size() != 2 || !KnownFlags.contains(line.words.at(1)))
+                if (line.words.size() != 3 || !KnownFlags.contains(line.words.at(1)))
                     return fail(line.number,
-                                QStringLiteral("unknown flag; known flags: %1").arg(KnownFlags.join(QStringLiteral(", "))),
+                                QStringLiteral("expected: flag <name> <field>; known flags: %1")
+                                    .arg(KnownFlags.join(QStringLiteral(", "))),
                                 error);
-                cls.flags.append(line.words.at(1));
+                flags.append(qMakePair(line.words.at(2), line.words.at(1)));
+                flagLines.append(line.number);
+            } else if (word == QLatin1String("version")) {
+                if (line.words.size() != 3 || !isQuoted(line.words.at(1)) || !parseHex32(line.words.at(2), cls.versionTag))
+                    return fail(line.number, QStringLiteral("expected: version \"<text>\" <0xtag>"), error);
+                cls.version = unquote(line.words.at(1));
             } else {
                 Field field;
                 if (!parseRow(line, field, error))
@@ -175,6 +186,17 @@ private:
         if (!enums.isEmpty())
             return fail(enumLines.value(enums.keys().first()),
                         QStringLiteral("'enum %1' names no enumeration field").arg(enums.keys().first()), error);
+        for (int i = 0; i < flags.size(); ++i) {
+            Field* target = nullptr;
+            for (Field& field : cls.fields)
+                if (field.name == flags.at(i).first)
+                    target = &field;
+            if (!target || target->xml != XmlShape::List)
+                return fail(flagLines.at(i), QStringLiteral("flag %1 needs a list field of %2, found '%3'")
+                                                 .arg(flags.at(i).second, cls.name, flags.at(i).first),
+                            error);
+            target->flags.append(flags.at(i).second);
+        }
         m_schema.classes.append(cls);
         return true;
     }
@@ -307,8 +329,11 @@ private:
                         error);
         }
         const bool nested = field.xml == XmlShape::Child || field.xml == XmlShape::List;
-        if (nested != (field.type == FieldType::Class))
-            return fail(line.number, QStringLiteral("child and list fields hold a class, other fields a value"), error);
+        const bool enumList = field.xml == XmlShape::List && field.type == FieldType::Enum;
+        if (nested != (field.type == FieldType::Class) && !enumList)
+            return fail(line.number,
+                        QStringLiteral("child and list fields hold a class (a list may hold an enum), other fields a value"),
+                        error);
         if (w.at(4) == QLatin1String("mandatory"))
             field.mandatory = true;
         else if (w.at(4) != QLatin1String("optional"))
@@ -328,6 +353,8 @@ private:
 
 QString kindKey(const Field& f)
 {
+    if (f.xml == XmlShape::List && f.type == FieldType::Enum)
+        return QStringLiteral("object");  // a list of names shares its tag with the object of that name
     switch (f.type) {
     case FieldType::Class: return f.xml == XmlShape::List ? QStringLiteral("list") : QStringLiteral("object");
     case FieldType::Double: return QStringLiteral("double");

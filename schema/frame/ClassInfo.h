@@ -19,6 +19,7 @@ enum class Kind : quint8 {
     Enum,      // one byte, an index into the field's name list
     Child,     // a nested record held by value
     List,      // a QVector of nested records
+    EnumList,  // a QVector of enumeration values
 };
 
 // Where a field stands in the XML form of its class.
@@ -56,6 +57,27 @@ struct EnumInfo {
     const char* memberName;    // m_<property>, as reports spell it
 };
 
+// A QVector of enumeration values held in a payload, with the names of its enumeration.
+struct EnumListInfo {
+    EnumInfo names;
+    int (*size)(const void* list);
+    quint8 (*at)(const void* list, int index);
+    void (*append)(void* list, quint8 value);
+    void (*reserve)(void* list, int count);
+    void (*clear)(void* list);
+};
+
+// Rules of a field that do not follow from its kind and presence.
+enum FieldFlag : quint8 {
+    NoFieldFlags = 0,
+    // The tagged form has the list's record only when it holds items, with no
+    // test of the presence bit for them; the raw form has its count and items
+    // only under the presence bit.
+    OmitWhenEmpty = 1,
+    // The XML writer does not report the list's incomplete items.
+    NoIncompleteItemReport = 2,
+};
+
 // One row of a class's field table.
 struct FieldInfo {
     const QString* name;  // property name, also its XML name
@@ -65,16 +87,27 @@ struct FieldInfo {
     Kind kind;
     XmlForm xml;
     bool mandatory;
-    const void* aux;  // EnumInfo for Enum, ChildOps for Child, ListOps for List
+    quint8 flags;     // FieldFlag
+    const void* aux;  // EnumInfo for Enum, ChildOps for Child, ListOps for List, EnumListInfo for EnumList
 
-    const EnumInfo& enumInfo() const { return *static_cast<const EnumInfo*>(aux); }
+    bool has(FieldFlag flag) const { return (flags & flag) != 0; }
+    const EnumInfo& enumInfo() const
+    {
+        return kind == Kind::EnumList ? static_cast<const EnumListInfo*>(aux)->names
+                                      : *static_cast<const EnumInfo*>(aux);
+    }
+    const EnumListInfo& enumListInfo() const { return *static_cast<const EnumListInfo*>(aux); }
     const ChildOps& childOps() const { return *static_cast<const ChildOps*>(aux); }
     const ListOps& listOps() const { return *static_cast<const ListOps*>(aux); }
 };
 
-// Rules of a class that do not follow from its field table.
-enum ClassFlag : quint32 {
-    NoClassFlags = 0,
+// The schema version that a root class carries beside its properties: written
+// first in every form, compared with the version of what is read (the version gate).
+struct VersionInfo {
+    const QString* text;        // the version of this library's schema
+    quint32 tag;                // of the version's record in the tagged form
+    quint16 offset;             // QString member holding the version
+    quint16 loadedOffset;       // QString member holding the version last read
 };
 
 // The description of one class: everything the runtime needs to handle it.
@@ -86,7 +119,7 @@ struct ClassInfo {
     const quint8* byBit;      // row index of each presence bit, bit 0 first
     quint8 fieldCount;
     bool leaf;  // attributes and text content, no child elements
-    quint32 flags;
+    const VersionInfo* version;  // the root's version, null for other classes
     Payload* (*createPayload)();
 
     const FieldInfo& field(int bit) const { return fields[byBit[bit]]; }

@@ -45,6 +45,7 @@ static bool holdsValue(Payload& p, const FieldInfo& f)
     case Kind::Text: return !Runtime::value<QString>(p, f).isNull();
     case Kind::Child: return Runtime::child(p, f).HasData();
     case Kind::List: return f.listOps().size(Runtime::field(p, f)) > 0;
+    case Kind::EnumList: return f.enumListInfo().size(Runtime::field(p, f)) > 0;
     default: return p.test(f.bit);
     }
 }
@@ -124,6 +125,18 @@ void Runtime::check(const Record& r, bool traceOnly)
             }
             break;
         }
+        case Kind::EnumList: {
+            if (f.mandatory && !set)
+                reportUnset(r, f, traceOnly);
+            if (f.mandatory || set) {
+                const void* list = field(p, f);
+                const EnumListInfo& values = f.enumListInfo();
+                for (int k = 0; k < values.size(list); ++k)
+                    if (!enumValid(f, values.at(list, k)))
+                        reportUnset(r, f, traceOnly);
+            }
+            break;
+        }
         }
     }
 }
@@ -140,22 +153,41 @@ static bool sameValue(Payload& a, Payload& b, const FieldInfo& f)
     case Kind::DateTime: return Runtime::value<QDateTime>(a, f) == Runtime::value<QDateTime>(b, f);
     case Kind::Enum: return Runtime::value<quint8>(a, f) == Runtime::value<quint8>(b, f);
     case Kind::Child: return Runtime::equal(Runtime::child(a, f), Runtime::child(b, f));
-    case Kind::List: break;
+    case Kind::List:
+    case Kind::EnumList: break;
     }
     return false;
 }
 
+static bool isRepeated(const FieldInfo& f) { return f.kind == Kind::List || f.kind == Kind::EnumList; }
+
+static int repeatedSize(Payload& p, const FieldInfo& f)
+{
+    return f.kind == Kind::List ? f.listOps().size(Runtime::field(p, f))
+                                : f.enumListInfo().size(Runtime::field(p, f));
+}
+
+static bool sameItem(Payload& a, Payload& b, const FieldInfo& f, int k)
+{
+    if (f.kind == Kind::List)
+        return Runtime::equal(f.listOps().cat(Runtime::field(a, f), k), f.listOps().cat(Runtime::field(b, f), k));
+    return f.enumListInfo().at(Runtime::field(a, f), k) == f.enumListInfo().at(Runtime::field(b, f), k);
+}
+
 bool Runtime::equal(const Record& a, const Record& b)
 {
+    const ClassInfo& info = a.GetClassInfo();
+    // A root compares its schema versions first.
+    if (info.version && a.schemaVersion() != b.schemaVersion())
+        return false;
     Payload* pa = existing(a);
     Payload* pb = existing(b);
     if (!pa && !pb)
         return true;
-    const ClassInfo& info = a.GetClassInfo();
     // Properties other than lists, in bit order; a missing payload counts as all unset.
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
-        if (f.kind == Kind::List)
+        if (isRepeated(f))
             continue;
         const bool setA = pa && pa->test(bit);
         const bool setB = pb && pb->test(bit);
@@ -167,19 +199,18 @@ bool Runtime::equal(const Record& a, const Record& b)
     // Lists come last, compared item by item in order.
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
-        if (f.kind != Kind::List)
+        if (!isRepeated(f))
             continue;
-        const ListOps& ops = f.listOps();
-        const int n = pa ? ops.size(field(*pa, f)) : 0;
+        const int n = pa ? repeatedSize(*pa, f) : 0;
         if (!(pb && pb->test(bit))) {
             if (n != 0)
                 return false;
             continue;
         }
-        if (ops.size(field(*pb, f)) != n)
+        if (repeatedSize(*pb, f) != n)
             return false;
         for (int k = 0; k < n; ++k)
-            if (!equal(ops.cat(field(*pa, f), k), ops.cat(field(*pb, f), k)))
+            if (!sameItem(*pa, *pb, f, k))
                 return false;
     }
     return true;
@@ -201,6 +232,7 @@ void Runtime::resetFields(Payload& p, const ClassInfo& info)
         case Kind::Enum: *static_cast<quint8*>(slot) = 0xFF; break;
         case Kind::Child: f.childOps().reset(slot); break;
         case Kind::List: f.listOps().clear(slot); break;
+        case Kind::EnumList: f.enumListInfo().clear(slot); break;
         }
     }
 }
@@ -232,6 +264,13 @@ void Runtime::merge(Record& target, const Record& source)
             const int n = ops.size(other);
             for (int k = 0; k < n; ++k)
                 ops.append(slot, ops.cat(other, k));
+            break;
+        }
+        case Kind::EnumList: {
+            const EnumListInfo& values = f.enumListInfo();
+            const int n = values.size(other);
+            for (int k = 0; k < n; ++k)
+                values.append(slot, values.at(other, k));
             break;
         }
         }
@@ -277,9 +316,10 @@ void Runtime::storeEnum(Record& r, Payload& p, const FieldInfo& f, quint8 v)
 
 static void reportIncompleteItem(Record& owner, const FieldInfo& f)
 {
+    // The item's class name; for a list of enumeration values, the enumeration's name.
+    const QString& item = f.kind == Kind::List ? f.listOps().itemName() : *f.name;
     IncompleteDefinitionException e(
-        owner.GetObjectName() +
-        QStringLiteral(": Tried to append not completely defined or invalid item %1.").arg(f.listOps().itemName()));
+        owner.GetObjectName() + QStringLiteral(": Tried to append not completely defined or invalid item %1.").arg(item));
     Runtime::report(owner, e);
 }
 
@@ -292,6 +332,32 @@ void Runtime::append(Record& owner, Payload& p, const FieldInfo& f, const Record
     }
     if (!complete)
         reportIncompleteItem(owner, f);
+}
+
+void Runtime::appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 v)
+{
+    const bool valid = enumValid(f, v);
+    if (valid || !owner.GetValidate()) {
+        f.enumListInfo().append(field(p, f), v);
+        p.set(f.bit);
+    }
+    if (!valid)
+        reportIncompleteItem(owner, f);
+}
+
+void Runtime::versionGate(Record& r, Payload& p, const QString& loaded)
+{
+    const VersionInfo& v = *r.GetClassInfo().version;
+    *reinterpret_cast<QString*>(reinterpret_cast<char*>(&p) + v.loadedOffset) = loaded;
+    // Versions compare as numbers: text that is no number counts as 0.
+    if (version(p, v).toFloat() > loaded.toFloat())
+        r.Reset();
+}
+
+bool Runtime::claimsCurrentVersion(Payload& p, const VersionInfo& v)
+{
+    const QString& loaded = *reinterpret_cast<QString*>(reinterpret_cast<char*>(&p) + v.loadedOffset);
+    return loaded.toFloat() >= version(p, v).toFloat();
 }
 
 Record& Runtime::beginAppend(Record& owner, Payload& p, const FieldInfo& f)

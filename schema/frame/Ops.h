@@ -48,6 +48,20 @@ struct ListOpsFor {
                                     &append, &removeLast, &clear, &itemName};
 };
 
+template <class E>
+struct EnumListOpsFor {
+    using List = QVector<E>;
+    static int size(const void* p) { return static_cast<const List*>(p)->size(); }
+    static quint8 at(const void* p, int i) { return quint8(static_cast<const List*>(p)->at(i)); }
+    static void append(void* p, quint8 value) { static_cast<List*>(p)->append(E(value)); }
+    static void reserve(void* p, int count) { static_cast<List*>(p)->reserve(static_cast<List*>(p)->size() + count); }
+    static void clear(void* p) { static_cast<List*>(p)->clear(); }
+    static constexpr EnumListInfo info(const QStringList* names, const char* memberName)
+    {
+        return {{names, memberName}, &size, &at, &append, &reserve, &clear};
+    }
+};
+
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC
 

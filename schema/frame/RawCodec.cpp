@@ -16,6 +16,8 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
     for (int i = 0; i < info.bitmapBytes(); ++i)
         bitmap[i] = char(p.presence >> (8 * i));
     stream.writeRawData(bitmap, info.bitmapBytes());
+    if (info.version)
+        stream << version(p, *info.version);
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
         const bool present = f.mandatory || p.test(bit);
@@ -49,6 +51,8 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
                 writeRaw(child(p, f), stream);
             break;
         case Kind::List: {
+            if (f.has(OmitWhenEmpty) && !p.test(bit))
+                break;
             const void* list = field(p, f);
             const ListOps& ops = f.listOps();
             const int n = ops.size(list);
@@ -56,6 +60,15 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
             if (p.test(bit))
                 for (int k = 0; k < n; ++k)
                     writeRaw(ops.cat(list, k), stream);
+            break;
+        }
+        case Kind::EnumList: {
+            const void* list = field(p, f);
+            const EnumListInfo& values = f.enumListInfo();
+            const int n = values.size(list);
+            stream << qint32(n);
+            for (int k = 0; k < n; ++k)
+                stream << qint8(values.at(list, k));
             break;
         }
         }
@@ -72,6 +85,12 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
     for (int i = 0; i < info.bitmapBytes(); ++i)
         presence |= quint32(bitmap[i]) << (8 * i);
     p.presence = presence & ((quint64(1) << info.fieldCount) - 1);
+    if (info.version) {
+        // A record of an older version is cleared here, its bitmap with it.
+        QString loaded;
+        stream >> loaded;
+        versionGate(r, p, loaded);
+    }
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
         const bool present = f.mandatory || p.test(bit);
@@ -111,6 +130,8 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
                 readRaw(child(p, f), stream);
             break;
         case Kind::List: {
+            if (f.has(OmitWhenEmpty) && !p.test(bit))
+                break;
             qint32 count = 0;
             stream >> count;
             void* list = field(p, f);
@@ -120,6 +141,18 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
             for (qint32 k = 0; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
                 readRaw(beginAppend(r, p, f), stream);
                 finishAppend(r, p, f);
+            }
+            break;
+        }
+        case Kind::EnumList: {
+            qint32 count = 0;
+            stream >> count;
+            void* list = field(p, f);
+            f.enumListInfo().reserve(list, reservableItems(stream, count, 1));
+            for (qint32 k = 0; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+                qint8 v = -1;
+                stream >> v;
+                appendEnumValue(r, p, f, quint8(v));
             }
             break;
         }

@@ -187,6 +187,7 @@ void Record::resetField(int bit)
     case Kind::Enum: *static_cast<quint8*>(slot) = 0xFF; break;
     case Kind::Child: f.childOps().reset(slot); break;
     case Kind::List: f.listOps().clear(slot); break;
+    case Kind::EnumList: f.enumListInfo().clear(slot); break;
     }
 }
 
@@ -200,6 +201,12 @@ void Record::setEnum(int bit, quint8 value)
 {
     Payload& p = payload();
     Runtime::storeEnum(*this, p, GetClassInfo().field(bit), value);
+}
+
+void Record::appendEnum(int bit, quint8 value)
+{
+    Payload& p = payload();
+    Runtime::appendEnumValue(*this, p, GetClassInfo().field(bit), value);
 }
 
 void Record::appendItem(int bit, const Record& item)
@@ -218,6 +225,17 @@ QString Record::enumName(int bit, quint8 value) const
 quint8 Record::enumIndex(int bit, const QString& name) const
 {
     return Runtime::enumIndex(GetClassInfo().field(bit), name);
+}
+
+const QString& Record::schemaVersion() const
+{
+    return Runtime::version(payload(), *GetClassInfo().version);
+}
+
+const QString& Record::loadedVersion() const
+{
+    const VersionInfo& v = *GetClassInfo().version;
+    return *reinterpret_cast<const QString*>(reinterpret_cast<const char*>(&payload()) + v.loadedOffset);
 }
 
 bool Record::enumValid(int bit, quint8 value) const { return Runtime::enumValid(GetClassInfo().field(bit), value); }

@@ -92,9 +92,20 @@ protected:
     void setText(int bit, const QString& value);
     void setEnum(int bit, quint8 value);
     void appendItem(int bit, const Record& item);
+    void appendEnum(int bit, quint8 value);
+    const QString& schemaVersion() const;
+    const QString& loadedVersion() const;
     QString enumName(int bit, quint8 value) const;
     quint8 enumIndex(int bit, const QString& name) const;
     bool enumValid(int bit, quint8 value) const;
+    template <class E>
+    bool allValid(int bit, const QVector<E>& values) const
+    {
+        for (E value : values)
+            if (!enumValid(bit, value))
+                return false;
+        return true;
+    }
 
 private:
     friend class Runtime;

@@ -77,6 +77,15 @@ public:
     static Record& beginAppend(Record& owner, Payload& p, const FieldInfo& f);
     // Applies the test of completeness to the item that beginAppend made and that has been read.
     static void finishAppend(Record& owner, Payload& p, const FieldInfo& f);
+    // Appends an enumeration value to a list of them, with the test of validity.
+    static void appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 value);
+
+    // --- Schema version of a root class ---------------------------------------------
+    static const QString& version(Payload& p, const VersionInfo& v) { return *reinterpret_cast<QString*>(reinterpret_cast<char*>(&p) + v.offset); }
+    // Keeps the version of what is read and clears the record when it is older than the schema.
+    static void versionGate(Record& r, Payload& p, const QString& loaded);
+    // True when the version last read is not older than the schema.
+    static bool claimsCurrentVersion(Payload& p, const VersionInfo& v);
 
     // --- Forms ----------------------------------------------------------------------
     static void writeXml(const Record& r, QXmlStreamWriter& writer);

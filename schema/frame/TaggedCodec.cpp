@@ -71,6 +71,8 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
     if (withTag)
         stream << qint32(tag);
     LengthWord block(stream);
+    if (info.version)
+        writeRawRecord(stream, info.version->tag, version(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         const bool set = p.test(f.bit);
@@ -101,12 +103,32 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
             const void* list = field(p, f);
             const ListOps& ops = f.listOps();
             const int n = ops.size(list);
+            const bool omitWhenEmpty = f.has(OmitWhenEmpty);
+            if (omitWhenEmpty && n == 0)
+                break;
             stream << qint32(f.tag);
             LengthWord length(stream);
             stream << qint32(n);
-            if (set)
+            if (set || omitWhenEmpty)
                 for (int k = 0; k < n; ++k)
                     writeTagged(ops.cat(list, k), stream, int(f.tag), false);
+            length.patch();
+            break;
+        }
+        case Kind::EnumList: {
+            const void* list = field(p, f);
+            const EnumListInfo& values = f.enumListInfo();
+            const QStringList& names = *values.names.names;
+            const int n = values.size(list);
+            stream << qint32(f.tag);
+            LengthWord length(stream);
+            stream << qint32(n);
+            for (int k = 0; k < n; ++k) {
+                const qint8 index = qint8(values.at(list, k));
+                LengthWord valueLength(stream);
+                stream << (index >= 0 && index < names.size() ? names.at(index).toUtf8() : QByteArray());
+                valueLength.patch();
+            }
             length.patch();
             break;
         }
@@ -140,6 +162,27 @@ static void readTaggedList(Record& r, Payload& p, const FieldInfo& f, QDataStrea
     }
 }
 
+static void readTaggedEnumList(Record& r, Payload& p, const FieldInfo& f, QDataStream& stream, qint64 room)
+{
+    qint32 count = 0;
+    stream >> count;
+    // Each value needs its length word and its byte count.
+    constexpr qint64 MinValueBytes = 8;
+    const qint64 left = bytesLeft(stream);
+    if (stream.status() != QDataStream::Ok || count < 0 || count * MinValueBytes > room - 4 ||
+        (left >= 0 && count * MinValueBytes > left))
+        Runtime::lengthError(r);
+    f.enumListInfo().reserve(Runtime::field(p, f), reservableItems(stream, count, MinValueBytes));
+    for (qint32 k = 0; k < count; ++k) {
+        qint32 valueLength = 0;
+        QByteArray name;
+        stream >> valueLength >> name;
+        if (stream.status() != QDataStream::Ok)
+            Runtime::lengthError(r);
+        Runtime::appendEnumValue(r, p, f, Runtime::enumIndex(f, decodeUtf8(name)));
+    }
+}
+
 void Runtime::readTagged(Record& r, QDataStream& stream, qint64 length)
 {
     Payload& p = payload(r);
@@ -153,6 +196,12 @@ void Runtime::readTagged(Record& r, QDataStream& stream, qint64 length)
             break;
         const qint64 room = remaining - 8;  // what the block has left for this record's payload
         remaining -= 8 + qint64(size);
+        if (info.version && quint32(tag) == info.version->tag) {
+            QString loaded;
+            stream >> loaded;
+            versionGate(r, p, loaded);
+            continue;
+        }
         const FieldInfo* f = fieldByTag(info, quint32(tag));
         if (!f) {
             r.skipCurrentElement(stream, size, tag);
@@ -196,6 +245,9 @@ void Runtime::readTagged(Record& r, QDataStream& stream, qint64 length)
             break;
         case Kind::List:
             readTaggedList(r, p, *f, stream, qMin<qint64>(size, room));
+            break;
+        case Kind::EnumList:
+            readTaggedEnumList(r, p, *f, stream, qMin<qint64>(size, room));
             break;
         }
     }

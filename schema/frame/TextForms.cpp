@@ -24,7 +24,8 @@ QString fieldText(Payload& p, const FieldInfo& f)
         return index >= 0 && index < names.size() ? names.at(index) : QString();
     }
     case Kind::Child:
-    case Kind::List: break;
+    case Kind::List:
+    case Kind::EnumList: break;
     }
     return QString();
 }

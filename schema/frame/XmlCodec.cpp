@@ -10,6 +10,12 @@ namespace Frame {
 
 // --- Writing -------------------------------------------------------------------------
 
+static const QString& versionAttribute()
+{
+    static const QString name = QStringLiteral("Version");
+    return name;
+}
+
 static void reportMissing(const Record& r, const FieldInfo& f)
 {
     IncompleteDefinitionException e(QStringLiteral("Parameters for %1 are not set properly in '%2'.")
@@ -25,6 +31,8 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
     writer.writeStartElement(r.GetObjectName());
+    if (info.version)
+        writer.writeAttribute(versionAttribute(), version(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         if (f.xml == XmlForm::Attribute && (f.mandatory || p.test(f.bit)))
@@ -53,10 +61,20 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
         }
         case XmlForm::List: {
             const void* list = field(p, f);
+            if (f.kind == Kind::EnumList) {
+                // One text element per value, whatever the bit and the value.
+                const EnumListInfo& values = f.enumListInfo();
+                const QStringList& names = *values.names.names;
+                for (int k = 0, n = values.size(list); k < n; ++k) {
+                    const qint8 index = qint8(values.at(list, k));
+                    writer.writeTextElement(*f.name, index >= 0 && index < names.size() ? names.at(index) : QString());
+                }
+                break;
+            }
             const ListOps& ops = f.listOps();
             for (int k = 0, n = ops.size(list); k < n; ++k) {
                 const Record& item = ops.cat(list, k);
-                if (!item.HasData())
+                if (!item.HasData() && !f.has(NoIncompleteItemReport))
                     reportMissing(r, f);
                 if (set)
                     writeXml(item, writer);
@@ -111,6 +129,7 @@ static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QStri
         return;
     case Kind::Child:
     case Kind::List:
+    case Kind::EnumList:
         return;
     }
     p.set(f.bit);
@@ -134,6 +153,9 @@ void Runtime::readXml(Record& r, QXmlStreamReader& reader)
         readLeafXml(r, reader);
         return;
     }
+    // A missing version attribute reads as a null text, which counts as the oldest version.
+    if (r.GetClassInfo().version)
+        versionGate(r, p, reader.attributes().value(versionAttribute()).toString());
     readXmlAttributes(r, p, reader);
     // Once for the whole element: every child made during the read takes the
     // setting when it is made.
@@ -160,6 +182,10 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
             p.set(f.bit);
             break;
         case XmlForm::List:
+            if (f.kind == Kind::EnumList) {
+                appendEnumValue(r, p, f, enumIndex(f, textValue(r, reader)));
+                break;
+            }
             beginAppend(r, p, f).ProcessXml(reader);
             finishAppend(r, p, f);
             break;
@@ -167,8 +193,16 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
         }
         return;
     }
-    // An unknown element is passed over up to the next token of the same name.
     const QString unknown = tag.toString();
+    if (info.version && claimsCurrentVersion(p, *info.version)) {
+        // Input that claims the current schema has no business with unknown
+        // elements. After the report the reader stays on the element, so that
+        // its content is read as this object's.
+        InvalidXmlException e(QStringLiteral("Unknown Tag '%1' in '%2'.").arg(unknown, r.GetObjectName()));
+        report(r, e);
+        return;
+    }
+    // An unknown element is passed over up to the next token of the same name.
     while (!reader.atEnd()) {
         reader.readNext();
         if (reader.name() == unknown)
