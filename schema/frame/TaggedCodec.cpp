@@ -42,6 +42,22 @@ void writeBytesRecord(QDataStream& stream, quint32 tag, const QByteArray& bytes)
     length.patch();
 }
 
+// A double as the UTF-8 bytes of its two-decimal text.
+void writeDoubleRecord(QDataStream& stream, quint32 tag, double value)
+{
+    stream << qint32(tag);
+    LengthWord length(stream);
+    char text[DoubleTextCapacity];
+    const int n = doubleTextFast(value, text);
+    if (n >= 0) {
+        stream << qint32(n);
+        stream.writeRawData(text, n);
+    } else {
+        stream << doubleText(value).toUtf8();
+    }
+    length.patch();
+}
+
 template <class T>
 void writeRawRecord(QDataStream& stream, quint32 tag, T value)
 {
@@ -78,6 +94,9 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
         const bool set = p.test(f.bit);
         switch (f.kind) {
         case Kind::Double:
+            if (f.mandatory || set)
+                writeDoubleRecord(stream, f.tag, value<double>(p, f));
+            break;
         case Kind::Enum:
         case Kind::Text:
             if (f.mandatory || set)

@@ -1,12 +1,56 @@
 #include "schema/frame/TextForms.h"
 
+#include <cmath>
+#include <limits>
+
 #include "recordkit/Converters.h"
 #include "schema/frame/Runtime.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
-QString doubleText(double value) { return QStringLiteral("%1").arg(value, 0, 'f', 2); }
+namespace {
+
+// Two decimals, rounded half away from zero as Qt rounds them, for values
+// whose hundredfold fits a 64-bit integer. With a 64-bit long double mantissa
+// the product of a 53-bit mantissa and 100 (5 significant bits) is exact, and
+// so is adding one half below 2^62: the rounding is decided on the exact binary
+// value, as Qt's own conversion decides it. Other values take Qt's way.
+int fixed2(double value, char* out)
+{
+    if (std::numeric_limits<long double>::digits < 64 || !(std::fabs(value) < 4.0e16))
+        return -1;
+    const long double hundredfold = std::fabs(static_cast<long double>(value) * 100.0L);
+    unsigned long long cents = static_cast<unsigned long long>(hundredfold + 0.5L);
+    char* p = out;
+    if (value < 0)
+        *p++ = '-';
+    char digits[24];
+    int n = 0;
+    unsigned long long whole = cents / 100;
+    do {
+        digits[n++] = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole);
+    while (n)
+        *p++ = digits[--n];
+    cents %= 100;
+    *p++ = '.';
+    *p++ = char('0' + cents / 10);
+    *p++ = char('0' + cents % 10);
+    return int(p - out);
+}
+
+}  // namespace
+
+int doubleTextFast(double value, char* out) { return fixed2(value, out); }
+
+QString doubleText(double value)
+{
+    char text[DoubleTextCapacity];
+    const int n = fixed2(value, text);
+    return n >= 0 ? QString::fromLatin1(text, n) : QStringLiteral("%1").arg(value, 0, 'f', 2);
+}
 
 QString boolText(bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); }
 

@@ -12,6 +12,11 @@ namespace Frame {
 
 // Fixed notation with exactly two decimals, as QString::arg(value, 0, 'f', 2) gives it.
 QString doubleText(double value);
+// The same text as Latin-1 bytes into `out` (DoubleTextCapacity bytes), without
+// an allocation; returns its length, or -1 for a value that only the QString
+// form handles (NaN, infinities, magnitudes of 4e16 and above).
+constexpr int DoubleTextCapacity = 32;
+int doubleTextFast(double value, char* out);
 // "true" or "false".
 QString boolText(bool value);
 // The text of a scalar, text or enumeration field (an invalid enumeration gives a null text).
