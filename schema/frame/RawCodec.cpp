@@ -20,7 +20,7 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
         stream << version(p, *info.version);
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
-        const bool present = f.mandatory || p.test(bit);
+        const bool present = written(p, f);
         switch (f.kind) {
         case Kind::Double:
             if (present)
@@ -39,11 +39,11 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
                 stream << value<QString>(p, f);
             break;
         case Kind::DateTime:
-            if (p.test(bit))
+            if (present)
                 stream << value<QDateTime>(p, f);
             break;
         case Kind::Bool:
-            if (p.test(bit))
+            if (present)
                 stream << value<bool>(p, f);
             break;
         case Kind::Child:

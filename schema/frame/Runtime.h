@@ -59,6 +59,12 @@ public:
     static QString objectName(const Record& r) { return r.GetObjectName(); }
 
     // --- Field rules ------------------------------------------------------------------
+    // Whether a writer puts out a plain field: mandatory numbers, names and texts
+    // always, with whatever they hold; optional ones, booleans and dates only when set.
+    static bool written(const Payload& p, const FieldInfo& f)
+    {
+        return p.test(f.bit) || (f.mandatory && f.kind != Kind::Bool && f.kind != Kind::DateTime);
+    }
     static bool hasData(const Record& r);
     static bool anyData(const Record& r);
     static void check(const Record& r, bool traceOnly);

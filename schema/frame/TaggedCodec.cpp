@@ -94,25 +94,22 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
         const bool set = p.test(f.bit);
         switch (f.kind) {
         case Kind::Double:
-            if (f.mandatory || set)
+            if (written(p, f))
                 writeDoubleRecord(stream, f.tag, value<double>(p, f));
             break;
         case Kind::Enum:
         case Kind::Text:
-            if (f.mandatory || set)
+        case Kind::DateTime:
+            if (written(p, f))
                 writeBytesRecord(stream, f.tag, fieldText(p, f).toUtf8());
             break;
         case Kind::UInt64:
-            if (f.mandatory || set)
+            if (written(p, f))
                 writeRawRecord(stream, f.tag, qint64(value<quint64>(p, f)));
             break;
         case Kind::Bool:
-            if (set)
+            if (written(p, f))
                 writeRawRecord(stream, f.tag, value<bool>(p, f));
-            break;
-        case Kind::DateTime:
-            if (set)
-                writeBytesRecord(stream, f.tag, fieldText(p, f).toUtf8());
             break;
         case Kind::Child:
             if (set)

@@ -35,7 +35,7 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
         writer.writeAttribute(versionAttribute(), version(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
-        if (f.xml == XmlForm::Attribute && (f.mandatory || p.test(f.bit)))
+        if (f.xml == XmlForm::Attribute && written(p, f))
             writer.writeAttribute(*f.name, fieldText(p, f));
     }
     for (int i = 0; i < info.fieldCount; ++i) {
@@ -44,11 +44,11 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
         switch (f.xml) {
         case XmlForm::Attribute: break;
         case XmlForm::Content:
-            if (f.mandatory || set)
+            if (written(p, f))
                 writer.writeCharacters(fieldText(p, f));
             break;
         case XmlForm::Element:
-            if (f.mandatory || set)
+            if (written(p, f))
                 writer.writeTextElement(*f.name, fieldText(p, f));
             break;
         case XmlForm::Child: {
