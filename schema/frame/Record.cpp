@@ -274,7 +274,7 @@ void Record::GetXml(QXmlStreamWriter& writer) const
 {
     Runtime::handDown(*this);
     if (GetValidate())
-        Check();
+        Runtime::check(*this, false);  // the first fault raises before anything is written
     Runtime::writeXml(*this, writer);
 }
 
@@ -288,7 +288,7 @@ bool Record::GetBinary(QDataStream& stream, int tag, bool withTag) const
 {
     Runtime::handDown(*this);
     if (GetValidate())
-        Check();
+        Runtime::check(*this, false);  // the first fault raises before anything is written
     return Runtime::writeTagged(*this, stream, tag, withTag);
 }
 
