@@ -1,0 +1,141 @@
+// The base layer: exceptions that keep their class when raised through the
+// base, the logger, dates, and the bool operations that report instead of throwing.
+
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+
+#include "support/TestSupport.h"
+
+using namespace EMITTERDOSSIERDOC;
+using namespace testing_support;
+
+TEST(Exceptions, RaiseThrowsTheConcreteClass)
+{
+    OutOfRangeException outOfRange(QStringLiteral("a"));
+    IncompleteDefinitionException incomplete(QStringLiteral("b"));
+    InvalidXmlException invalidXml(QStringLiteral("c"));
+    BinaryParsingException parsing(QStringLiteral("d"));
+    const RKException& base1 = outOfRange;
+    const RKException& base2 = incomplete;
+    const RKException& base3 = invalidXml;
+    const RKException& base4 = parsing;
+    EXPECT_THROW(base1.Raise(), OutOfRangeException);
+    EXPECT_THROW(base2.Raise(), IncompleteDefinitionException);
+    EXPECT_THROW(base3.Raise(), InvalidXmlException);
+    EXPECT_THROW(base4.Raise(), BinaryParsingException);
+    try {
+        base4.Raise();
+    } catch (const std::exception& e) {
+        EXPECT_STREQ(e.what(), "d");
+    }
+}
+
+TEST(Exceptions, MessageIsKeptInFull)
+{
+    const QString text = QString::fromUtf8("Level: Please set unit properly. \xC2\xB5");
+    RKException e(text);
+    EXPECT_EQ(e.GetMessage(), text);
+    EXPECT_EQ(QString::fromUtf8(e.what()), text);
+}
+
+TEST(Logger, LevelsAndNamesAgree)
+{
+    EXPECT_EQ(RECORDKIT::ERROR, 0);
+    EXPECT_EQ(RECORDKIT::WARNING, 1);
+    EXPECT_EQ(RECORDKIT::INFO, 2);
+    EXPECT_EQ(RECORDKIT::LogLevelNames(),
+              QStringList({QStringLiteral("ERROR"), QStringLiteral("WARNING"), QStringLiteral("INFO")}));
+}
+
+TEST(Logger, DefaultWritesLevelAndMessageToStandardError)
+{
+    RECORDKIT::Logger logger;
+    testing::internal::CaptureStderr();
+    logger.Log(RECORDKIT::WARNING, QStringLiteral("Bearing: Please set unit properly."));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "WARNING: Bearing: Please set unit properly.\n");
+}
+
+TEST(Logger, ObjectsHaveNoLoggerUntilGivenOne)
+{
+    AgeOutTime a;
+    EXPECT_EQ(a.GetLogger(), nullptr);
+    auto logger = attachLogger(a);
+    EXPECT_EQ(a.GetLogger(), logger);
+    a.ResetLogger();
+    EXPECT_EQ(a.GetLogger(), nullptr);
+    EXPECT_FALSE(a.GetValidate());
+    EXPECT_EQ(a.GetObjectType(), RECORDKIT::Undefined);
+}
+
+TEST(Converters, DateTimeTextIsUtcWithMilliseconds)
+{
+    const QDateTime value(QDate(2026, 11, 23), QTime(5, 7, 9, 42), Qt::UTC);
+    EXPECT_EQ(Converters::ToString(value), QStringLiteral("2026-11-23T05:07:09,042Z"));
+    EXPECT_EQ(Converters::ToDateTime(QStringLiteral("2026-11-23T05:07:09,042Z")), value);
+    EXPECT_FALSE(Converters::ToDateTime(QStringLiteral("yesterday")).isValid());
+    EXPECT_TRUE(Converters::ToString(QDateTime()).isNull());
+}
+
+TEST(BaseValidity, PlainValuesAsTheBaseSeesThem)
+{
+    AgeOutTime a;
+    double d = 1;
+    a.SetInvalid(d);
+    EXPECT_FALSE(a.IsValid(d));
+    QString s = QStringLiteral("x");
+    a.SetInvalid(s);
+    EXPECT_FALSE(a.IsValid(s));
+    EXPECT_TRUE(a.IsValid(QStringLiteral("")));
+    int i = 0;
+    a.SetInvalid(i);
+    EXPECT_FALSE(a.IsValid(i));
+    EXPECT_TRUE(a.IsValid(true));
+}
+
+TEST(Merge, LaysSetPropertiesOverAndAppendsItems)
+{
+    BeamDuration target;
+    target.Setunit(BeamDuration::unit(0));
+    target.SetMean(1);
+    target.SetMin(2);
+    BeamDuration source;
+    source.SetMean(5);
+    source.SetTol(0.125);
+    ASSERT_TRUE(target.MergeRKObject(source));
+    EXPECT_EQ(target.GetMean(), 5.0);
+    EXPECT_EQ(target.GetMin(), 2.0);
+    EXPECT_EQ(target.GetTol(), 0.125);  // exact: no text on the way
+    EXPECT_TRUE(target.IsunitSet());
+
+    Alternatives list;
+    list.AppendAlternative(makeAlternative("A", "1", 0.5));
+    Alternatives more;
+    more.AppendAlternative(makeAlternative("B", "2", 0.25));
+    ASSERT_TRUE(list.MergeRKObject(more));
+    ASSERT_EQ(list.GetAlternative().size(), 2);
+    EXPECT_EQ(list.GetAlternative().at(1).GetName(), QStringLiteral("B"));
+    ASSERT_TRUE(list.MergeRKObject(list));
+    EXPECT_EQ(list.GetAlternative().size(), 4);
+}
+
+TEST(Merge, AnotherClassIsRefusedAndNothingChanges)
+{
+    BeamDuration target;
+    target.SetMean(1);
+    ScanCycle other;
+    other.SetMean(2);
+    EXPECT_FALSE(target.MergeRKObject(other));
+    EXPECT_EQ(target.GetMean(), 1.0);
+}
+
+TEST(Registry, KnowsEveryGeneratedClassByNameAndId)
+{
+    const auto* entry = Frame::FindClass(QStringLiteral("BeamPeakPower"));
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(entry->info().id, BeamPeakPower::id);
+    EXPECT_EQ(Frame::FindClass(qint64(0x6455842f))->info().name, QByteArray("Alternatives"));
+    std::unique_ptr<Frame::Record> made(entry->create());
+    EXPECT_EQ(made->GetObjectName(), QStringLiteral("BeamPeakPower"));
+    EXPECT_EQ(Frame::FindClass(QStringLiteral("NoSuchClass")), nullptr);
+}

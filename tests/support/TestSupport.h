@@ -1,0 +1,117 @@
+#pragma once
+
+// Helpers shared by the test suites: a logger that keeps what it is told, and
+// the three forms of an object as bytes.
+
+#include <memory>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDataStream>
+#include <QVector>
+
+#include <EmitterDossierDoc/EmitterDossierDoc.h>
+
+namespace testing_support {
+
+struct LogEntry {
+    RECORDKIT::LogLevel level;
+    QString message;
+};
+
+class RecordingLogger : public RECORDKIT::Logger {
+public:
+    void Log(RECORDKIT::LogLevel level, const QString& message) override { entries.append({level, message}); }
+    QVector<LogEntry> entries;
+};
+
+inline std::shared_ptr<RecordingLogger> attachLogger(const RECORDKIT::IRKObject& object)
+{
+    auto logger = std::make_shared<RecordingLogger>();
+    object.SetLogger(logger);
+    return logger;
+}
+
+inline QByteArray hex(const char* text) { return QByteArray::fromHex(text); }
+
+// The object block that GetBinary writes.
+inline QByteArray tagged(const RECORDKIT::IRKObject& object, quint32 tag, bool withTag = true)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    object.GetBinary(stream, int(tag), withTag);
+    return bytes;
+}
+
+// Reads the records of `bytes` with SetBinary, giving it `length`.
+inline void readTagged(RECORDKIT::IRKObject& object, QByteArray bytes, int length)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    object.SetBinary(stream, length);
+}
+
+inline QByteArray raw(const EMITTERDOSSIERDOC::Frame::Record& object)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    object.GetVersionSpecificBinaryWithoutValidation(stream);
+    return bytes;
+}
+
+inline void readRaw(EMITTERDOSSIERDOC::Frame::Record& object, QByteArray bytes)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    object.SetVersionSpecificBinaryWithoutValidation(stream);
+}
+
+// The bytes QDataStream gives for a sequence of values, to spell out expected layouts.
+class Bytes {
+public:
+    Bytes() : m_buffer(&m_bytes)
+    {
+        m_buffer.open(QIODevice::WriteOnly);
+        m_stream.setDevice(&m_buffer);
+    }
+    template <class T>
+    Bytes& operator<<(const T& value)
+    {
+        m_stream << value;
+        return *this;
+    }
+    Bytes& word(quint32 value)
+    {
+        m_stream << value;
+        return *this;
+    }
+    // A byte-array payload with its count.
+    Bytes& text(const char* utf8)
+    {
+        m_stream << QByteArray(utf8);
+        return *this;
+    }
+    QByteArray bytes() const { return m_bytes; }
+
+private:
+    QByteArray m_bytes;
+    QBuffer m_buffer;
+    QDataStream m_stream;
+};
+
+inline EMITTERDOSSIERDOC::Alternative makeAlternative(const char* name, const char* id, double confidence)
+{
+    EMITTERDOSSIERDOC::Alternative a;
+    a.SetName(QString::fromUtf8(name));
+    a.SetDatabaseID(QString::fromUtf8(id));
+    a.SetConfidence(confidence);
+    return a;
+}
+
+}  // namespace testing_support
