@@ -269,11 +269,15 @@ public:
                      .arg(c.version, hex32(c.versionTag));
             version = QStringLiteral("&versionInfo");
         }
-        s += QStringLiteral("    static const Frame::ClassInfo info = {\"%1\", &%1::GetStaticObjectName, id, fields, byBit, %2, %3, %4, &Data::create};\n"
+        bool hasChildren = false;
+        for (const Field& f : c.fields)
+            hasChildren = hasChildren || f.type == FieldType::Class;
+        s += QStringLiteral("    static const Frame::ClassInfo info = {\"%1\", &%1::GetStaticObjectName, id, fields, byBit, %2, %3, %4, %5, &Data::create};\n"
                             "    return info;\n}\n\n")
                  .arg(C)
                  .arg(c.fields.size())
-                 .arg(c.isLeaf() ? QStringLiteral("true") : QStringLiteral("false"), version);
+                 .arg(c.isLeaf() ? QStringLiteral("true") : QStringLiteral("false"),
+                      hasChildren ? QStringLiteral("true") : QStringLiteral("false"), version);
         // The class face.
         s += QStringLiteral(
                  "qint64 %1::GetId() { return id; }\n"

@@ -118,7 +118,8 @@ struct ClassInfo {
     const FieldInfo* fields;  // in the order of writing (XML and tagged form)
     const quint8* byBit;      // row index of each presence bit, bit 0 first
     quint8 fieldCount;
-    bool leaf;  // attributes and text content, no child elements
+    bool leaf;         // attributes and text content, no child elements
+    bool hasChildren;  // a child or list field: flag and logger are handed down
     const VersionInfo* version;  // the root's version, null for other classes
     Payload* (*createPayload)();
 

@@ -33,7 +33,7 @@ struct ListOpsFor {
     static Record& appendDefault(void* p)
     {
         List& l = list(p);
-        l.append(C());
+        l.resize(l.size() + 1);  // made in place, no copy
         return l.last();
     }
     static void append(void* p, const Record& item) { list(p).append(static_cast<const C&>(item)); }

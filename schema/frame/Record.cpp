@@ -86,11 +86,14 @@ void Record::InitData() const
     detach();
     if (d)
         return;
-    d = GetClassInfo().createPayload();
+    const ClassInfo& info = GetClassInfo();
+    d = info.createPayload();
     d->ref.ref();
     // Fresh children take this object's flag and logger.
-    SetValidate(GetValidate());
-    SetLogger(GetLogger());
+    if (info.hasChildren) {
+        SetValidate(GetValidate());
+        SetLogger(GetLogger());
+    }
 }
 
 Payload& Record::payload() const

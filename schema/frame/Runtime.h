@@ -38,11 +38,12 @@ public:
         r.SetValidate(r.GetValidate());
         r.SetLogger(r.GetLogger());
     }
-    // Gives a fresh item the flag and logger of the object that holds it.
+    // Gives a fresh item, which has no payload and so no children yet, the flag
+    // and logger of the object that holds it.
     static void adopt(const Record& owner, const Record& item)
     {
-        item.SetValidate(owner.GetValidate());
-        item.SetLogger(owner.GetLogger());
+        item.RECORDKIT::IRKObject::SetValidate(owner.GetValidate());
+        item.RECORDKIT::IRKObject::SetLogger(owner.GetLogger());
     }
 
     // --- Reporting ----------------------------------------------------------------
