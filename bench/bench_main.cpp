@@ -1,0 +1,273 @@
+// Speed of the three forms per object, against plain QDataStream operators
+// writing the same numbers, and the heap a loaded list holds.
+//
+//   edd_bench [--benchmark_filter=...]
+
+#include <benchmark/benchmark.h>
+
+#include <malloc.h>
+
+#include <memory>
+
+#include <QBuffer>
+#include <QDataStream>
+
+#include <EmitterDossierDoc/EmitterDossierDoc.h>
+
+using namespace EMITTERDOSSIERDOC;
+
+namespace {
+
+BeamDuration makeBeamDuration()
+{
+    BeamDuration b;
+    b.Setunit(b.NameTounit(QStringLiteral("ns")));
+    b.SetMean(1250.75);
+    b.SetMin(1200.5);
+    b.SetMax(1300.25);
+    b.SetTol(12.5);
+    return b;
+}
+
+Alternatives makeAlternatives(int count)
+{
+    Alternatives list;
+    QVector<Alternative>& items = list.GetAlternative();
+    items.reserve(count);
+    for (int i = 0; i < count; ++i) {
+        Alternative a;
+        a.SetName(QStringLiteral("Emitter-%1").arg(i));
+        a.SetDatabaseID(QStringLiteral("DB-%1").arg(i * 7));
+        a.SetConfidence((i % 100) / 100.0);
+        items.append(a);
+    }
+    return list;
+}
+
+Alternatives makeThousand() { return makeAlternatives(1000); }
+
+QByteArray rawBytes(const Frame::Record& object)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    object.GetVersionSpecificBinaryWithoutValidation(stream);
+    return bytes;
+}
+
+// --- The three forms ----------------------------------------------------------
+
+template <class T>
+void XmlWrite(benchmark::State& state, T (*make)())
+{
+    const T object = make();
+    qint64 bytes = 0;
+    for (auto _ : state) {
+        const QString text = object.GetXmlString();
+        bytes += text.size();
+        benchmark::DoNotOptimize(text.constData());
+    }
+    state.SetBytesProcessed(bytes);
+}
+
+template <class T>
+void XmlRead(benchmark::State& state, T (*make)())
+{
+    const QString text = make().GetXmlString();
+    for (auto _ : state) {
+        T object;
+        benchmark::DoNotOptimize(object.SetXmlString(text, false));
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+
+template <class T>
+void TaggedWrite(benchmark::State& state, T (*make)())
+{
+    const T object = make();
+    qint64 bytes = 0;
+    for (auto _ : state) {
+        const QByteArray tagged = object.GetBinaryRepresentationAsQByteArray();
+        bytes += tagged.size();
+        benchmark::DoNotOptimize(tagged.constData());
+    }
+    state.SetBytesProcessed(bytes);
+}
+
+template <class T>
+void TaggedRead(benchmark::State& state, T (*make)())
+{
+    QByteArray tagged = make().GetBinaryRepresentationAsQByteArray();
+    for (auto _ : state) {
+        T object;
+        benchmark::DoNotOptimize(object.SetBinaryRepresentation(tagged));
+    }
+    state.SetBytesProcessed(state.iterations() * tagged.size());
+}
+
+template <class T>
+void RawWrite(benchmark::State& state, T (*make)())
+{
+    const T object = make();
+    qint64 bytes = 0;
+    for (auto _ : state) {
+        const QByteArray raw = rawBytes(object);
+        bytes += raw.size();
+        benchmark::DoNotOptimize(raw.constData());
+    }
+    state.SetBytesProcessed(bytes);
+}
+
+template <class T>
+void RawRead(benchmark::State& state, T (*make)())
+{
+    QByteArray raw = rawBytes(make());
+    for (auto _ : state) {
+        T object;
+        QBuffer buffer(&raw);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream stream(&buffer);
+        object.SetVersionSpecificBinaryWithoutValidation(stream);
+        benchmark::DoNotOptimize(object.IsInitialized());
+    }
+    state.SetBytesProcessed(state.iterations() * raw.size());
+}
+
+#define EDD_FORMS(name, maker)                   \
+    BENCHMARK_CAPTURE(XmlWrite, name, maker);    \
+    BENCHMARK_CAPTURE(XmlRead, name, maker);     \
+    BENCHMARK_CAPTURE(TaggedWrite, name, maker); \
+    BENCHMARK_CAPTURE(TaggedRead, name, maker);  \
+    BENCHMARK_CAPTURE(RawWrite, name, maker);    \
+    BENCHMARK_CAPTURE(RawRead, name, maker)
+
+EDD_FORMS(BeamDuration, &makeBeamDuration);
+EDD_FORMS(Alternatives1000, &makeThousand);
+
+// --- Yardstick: the same numbers through plain QDataStream operators ------------
+
+struct PlainAlternative {
+    QString name;
+    QString databaseId;
+    double confidence;
+};
+
+QVector<PlainAlternative> plainThousand()
+{
+    QVector<PlainAlternative> items;
+    const Alternatives list = makeThousand();
+    for (const Alternative& a : list.GetAlternative())
+        items.append({a.GetName(), a.GetDatabaseID(), a.GetConfidence()});
+    return items;
+}
+
+void PlainWrite_BeamDuration(benchmark::State& state)
+{
+    const BeamDuration b = makeBeamDuration();
+    const double mean = b.GetMean(), min = b.GetMin(), max = b.GetMax(), tol = b.GetTol();
+    for (auto _ : state) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        stream.writeRawData("\x1f", 1);
+        stream << mean << min << max << tol << qint8(0);
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+}
+BENCHMARK(PlainWrite_BeamDuration);
+
+void PlainRead_BeamDuration(benchmark::State& state)
+{
+    QByteArray bytes = rawBytes(makeBeamDuration());
+    for (auto _ : state) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream stream(&buffer);
+        char bitmap;
+        double mean, min, max, tol;
+        qint8 unit;
+        stream.readRawData(&bitmap, 1);
+        stream >> mean >> min >> max >> tol >> unit;
+        benchmark::DoNotOptimize(mean + min + max + tol + unit);
+    }
+}
+BENCHMARK(PlainRead_BeamDuration);
+
+void PlainWrite_Alternatives1000(benchmark::State& state)
+{
+    const QVector<PlainAlternative> items = plainThousand();
+    for (auto _ : state) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        stream << qint32(items.size());
+        for (const PlainAlternative& a : items) {
+            stream.writeRawData("\x07", 1);
+            stream << a.name << a.databaseId << a.confidence;
+        }
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+}
+BENCHMARK(PlainWrite_Alternatives1000);
+
+void PlainRead_Alternatives1000(benchmark::State& state)
+{
+    const Alternatives list = makeThousand();
+    QByteArray bytes = rawBytes(list).mid(1);
+    for (auto _ : state) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream stream(&buffer);
+        qint32 count = 0;
+        stream >> count;
+        QVector<PlainAlternative> items;
+        items.reserve(count);
+        for (qint32 i = 0; i < count; ++i) {
+            char bitmap;
+            PlainAlternative a;
+            stream.readRawData(&bitmap, 1);
+            stream >> a.name >> a.databaseId >> a.confidence;
+            items.append(a);
+        }
+        benchmark::DoNotOptimize(items.constData());
+    }
+}
+BENCHMARK(PlainRead_Alternatives1000);
+
+// --- Heap held by a loaded list -------------------------------------------------
+
+size_t heapInUse()
+{
+    malloc_trim(0);
+    return mallinfo2().uordblks;
+}
+
+void HeapHeld_Alternatives100000(benchmark::State& state)
+{
+    QByteArray tagged;
+    qint64 xmlBytes = 0;
+    {
+        const Alternatives list = makeAlternatives(100000);
+        tagged = list.GetBinaryRepresentationAsQByteArray();
+        xmlBytes = list.GetXmlString().toUtf8().size();
+    }
+    size_t held = 0;
+    for (auto _ : state) {
+        const size_t before = heapInUse();
+        auto object = std::make_unique<Alternatives>();
+        object->SetBinaryRepresentation(tagged);
+        held = heapInUse() - before;
+        benchmark::DoNotOptimize(object.get());
+    }
+    state.counters["heap_bytes"] = double(held);
+    state.counters["xml_bytes"] = double(xmlBytes);
+    state.counters["heap_per_xml_byte"] = double(held) / double(xmlBytes);
+}
+BENCHMARK(HeapHeld_Alternatives100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();
