@@ -1,0 +1,195 @@
+# Run by CTest with cmake -P. Installs the main build into PREFIX, then proves
+# that the installed tree alone is enough to build and run a program:
+#   1. the expected files are installed, each header in its folder;
+#   2. the version file accepts the same major version and refuses another;
+#   3. a separate CMake project finds the package in PREFIX, builds and runs;
+#   4. pkg-config gives flags that compile, link and run the same program.
+cmake_minimum_required(VERSION 3.16)
+
+foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR INCLUDEDIR CONSUMER_SOURCE CONSUMER_BUILD
+            GENERATOR CXX_COMPILER EXPECTED_VERSION)
+  if("${${var}}" STREQUAL "")
+    message(FATAL_ERROR "install check: ${var} is not given")
+  endif()
+endforeach()
+
+if(IS_ABSOLUTE "${LIBDIR}" OR IS_ABSOLUTE "${INCLUDEDIR}")
+  message(FATAL_ERROR "install check: needs relative CMAKE_INSTALL_LIBDIR and CMAKE_INSTALL_INCLUDEDIR, got '${LIBDIR}' and '${INCLUDEDIR}'")
+endif()
+# The scratch prefix is the whole destination.
+unset(ENV{DESTDIR})
+
+# Runs a command and stops with its output when it fails.
+function(run_step what)
+  execute_process(COMMAND ${ARGN}
+    RESULT_VARIABLE rc
+    OUTPUT_VARIABLE out
+    ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "install check: ${what} failed (${rc})\n"
+                        "command: ${ARGN}\n--- stdout ---\n${out}\n--- stderr ---\n${err}")
+  endif()
+  set(step_output "${out}" PARENT_SCOPE)
+endfunction()
+
+if(NOT EXISTS "${LIBRARY_FILE}")
+  message(FATAL_ERROR "install check: ${LIBRARY_FILE} does not exist; build the project before running the tests")
+endif()
+
+# --- 1. install into a fresh prefix ------------------------------------------
+file(REMOVE_RECURSE "${PREFIX}" "${CONSUMER_BUILD}")
+set(install_cmd ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${PREFIX}")
+if(NOT "${CONFIG}" STREQUAL "")
+  list(APPEND install_cmd --config "${CONFIG}")
+endif()
+run_step("cmake --install" ${install_cmd})
+
+set(inc "${PREFIX}/${INCLUDEDIR}/EmitterDossierDoc")
+set(lib "${PREFIX}/${LIBDIR}")
+string(REGEX MATCH "^[0-9]+" major "${EXPECTED_VERSION}")
+set(expected_files
+  "${inc}/EmitterDossierDoc.h"
+  "${inc}/edd_export.h"
+  "${inc}/recordkit/IRKObject.h"
+  "${inc}/recordkit/Logger.h"
+  "${inc}/recordkit/RKException.h"
+  "${inc}/schema/frame/Record.h"
+  "${inc}/schema/frame/ClassInfo.h"
+  "${inc}/schema/values/AgeOutTime.h"
+  "${inc}/schema/dossier/Alternatives.h"
+  "${lib}/libEmitterDossierDoc.so"
+  "${lib}/libEmitterDossierDoc.so.${major}"
+  "${lib}/libEmitterDossierDoc.so.${EXPECTED_VERSION}"
+  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfig.cmake"
+  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfigVersion.cmake"
+  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocTargets.cmake"
+  "${lib}/pkgconfig/EmitterDossierDoc.pc")
+foreach(f ${expected_files})
+  if(NOT EXISTS "${f}")
+    message(FATAL_ERROR "install check: ${f} was not installed")
+  endif()
+endforeach()
+# Headers keep their folders: nothing of the subfolders lands flat in the top.
+foreach(flat AgeOutTime.h Record.h IRKObject.h)
+  if(EXISTS "${inc}/${flat}")
+    message(FATAL_ERROR "install check: ${inc}/${flat} is installed without its folder")
+  endif()
+endforeach()
+# Sources and private frame headers stay out of the installed tree.
+file(GLOB_RECURSE stray "${inc}/*.cpp" "${inc}/schema/frame/Runtime.h" "${inc}/schema/frame/Ops.h")
+if(stray)
+  message(FATAL_ERROR "install check: files that are not public headers were installed: ${stray}")
+endif()
+
+# --- 2. version compatibility ------------------------------------------------
+macro(check_version requested expect_compatible)
+  set(PACKAGE_FIND_VERSION "${requested}")
+  string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR "${requested}")
+  set(PACKAGE_VERSION_COMPATIBLE FALSE)
+  include("${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfigVersion.cmake")
+  if(NOT PACKAGE_VERSION STREQUAL EXPECTED_VERSION)
+    message(FATAL_ERROR "install check: the package says version ${PACKAGE_VERSION}, the project is ${EXPECTED_VERSION}")
+  endif()
+  if(${expect_compatible} AND NOT PACKAGE_VERSION_COMPATIBLE)
+    message(FATAL_ERROR "install check: version ${requested} should be accepted by ${PACKAGE_VERSION}")
+  elseif(NOT ${expect_compatible} AND PACKAGE_VERSION_COMPATIBLE)
+    message(FATAL_ERROR "install check: version ${requested} should be refused by ${PACKAGE_VERSION}")
+  endif()
+endmacro()
+math(EXPR next_major "${major} + 1")
+check_version("${major}.0" TRUE)
+check_version("${EXPECTED_VERSION}" TRUE)
+check_version("${next_major}.0" FALSE)
+if(major GREATER 0)
+  math(EXPR previous_major "${major} - 1")
+  check_version("${previous_major}.0" FALSE)
+endif()
+
+# --- 3. a CMake consumer -----------------------------------------------------
+set(configure_cmd ${CMAKE_COMMAND}
+  -S "${CONSUMER_SOURCE}" -B "${CONSUMER_BUILD}" -G "${GENERATOR}"
+  "-DCMAKE_PREFIX_PATH=${PREFIX}"
+  "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
+  -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON
+  "-DEDD_EXPECTED_VERSION=${EXPECTED_VERSION}")
+if(NOT "${MAKE_PROGRAM}" STREQUAL "")
+  list(APPEND configure_cmd "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
+endif()
+if(NOT "${CONFIG}" STREQUAL "")
+  list(APPEND configure_cmd "-DCMAKE_BUILD_TYPE=${CONFIG}")
+endif()
+run_step("configuring the consumer" ${configure_cmd})
+
+# The package must come from the prefix, not from the build tree or the system.
+file(STRINGS "${CONSUMER_BUILD}/CMakeCache.txt" found_dir REGEX "^EmitterDossierDoc_DIR:")
+string(REGEX REPLACE "^[^=]*=" "" found_dir "${found_dir}")
+get_filename_component(found_dir "${found_dir}" REALPATH)
+get_filename_component(real_prefix "${PREFIX}" REALPATH)
+string(FIND "${found_dir}/" "${real_prefix}/" at)
+if(NOT at EQUAL 0)
+  message(FATAL_ERROR "install check: the consumer found the package in '${found_dir}', not below ${real_prefix}")
+endif()
+
+set(build_cmd ${CMAKE_COMMAND} --build "${CONSUMER_BUILD}")
+if(NOT "${CONFIG}" STREQUAL "")
+  list(APPEND build_cmd --config "${CONFIG}")
+endif()
+run_step("building the consumer" ${build_cmd})
+
+file(GLOB_RECURSE consumer_exe "${CONSUMER_BUILD}/edd-install-consumer")
+if(NOT consumer_exe)
+  message(FATAL_ERROR "install check: the consumer program was not found in ${CONSUMER_BUILD}")
+endif()
+list(GET consumer_exe 0 consumer_exe)
+set(ENV{LD_LIBRARY_PATH} "${lib}")
+run_step("running the consumer built with CMake" "${consumer_exe}")
+message(STATUS "CMake consumer: ${step_output}")
+
+# --- 4. pkg-config -----------------------------------------------------------
+if("${PKG_CONFIG}" STREQUAL "" OR PKG_CONFIG MATCHES "NOTFOUND$")
+  message(FATAL_ERROR "install check: pkg-config was not found; install it (scripts/install-deps.sh does)")
+endif()
+if(DEFINED ENV{PKG_CONFIG_PATH} AND NOT "$ENV{PKG_CONFIG_PATH}" STREQUAL "")
+  set(ENV{PKG_CONFIG_PATH} "${lib}/pkgconfig:$ENV{PKG_CONFIG_PATH}")
+else()
+  set(ENV{PKG_CONFIG_PATH} "${lib}/pkgconfig")
+endif()
+run_step("pkg-config --modversion" "${PKG_CONFIG}" --modversion EmitterDossierDoc)
+string(STRIP "${step_output}" pc_version)
+if(NOT pc_version STREQUAL EXPECTED_VERSION)
+  message(FATAL_ERROR "install check: pkg-config says version '${pc_version}', the project is ${EXPECTED_VERSION}")
+endif()
+run_step("pkg-config --cflags --libs" "${PKG_CONFIG}" --cflags --libs EmitterDossierDoc)
+string(STRIP "${step_output}" pc_flags)
+message(STATUS "pkg-config flags: ${pc_flags}")
+separate_arguments(pc_flag_list UNIX_COMMAND "${pc_flags}")
+
+# Every -I and -L of ours must name an existing folder of the prefix.
+set(saw_include FALSE)
+set(saw_include_sub FALSE)
+set(saw_libdir FALSE)
+foreach(flag ${pc_flag_list})
+  if(flag MATCHES "^-[IL](.*)$")
+    get_filename_component(dir "${CMAKE_MATCH_1}" REALPATH)
+    if(dir STREQUAL "${real_prefix}/${INCLUDEDIR}")
+      set(saw_include TRUE)
+    elseif(dir STREQUAL "${real_prefix}/${INCLUDEDIR}/EmitterDossierDoc")
+      set(saw_include_sub TRUE)
+    elseif(dir STREQUAL "${real_prefix}/${LIBDIR}")
+      set(saw_libdir TRUE)
+    endif()
+  endif()
+endforeach()
+if(NOT saw_include OR NOT saw_include_sub OR NOT saw_libdir)
+  message(FATAL_ERROR "install check: pkg-config flags lack the prefix's include dirs or lib dir: ${pc_flags}")
+endif()
+if(NOT pc_flags MATCHES "(^| )-lEmitterDossierDoc( |$)" OR NOT pc_flags MATCHES "(^| )-lQt5Core( |$)")
+  message(FATAL_ERROR "install check: pkg-config flags lack -lEmitterDossierDoc or Qt5Core: ${pc_flags}")
+endif()
+
+# Qt 5 on Debian is built with reduced relocations, so Qt code needs -fPIC.
+set(pc_exe "${CONSUMER_BUILD}/edd-install-consumer-pkgconfig")
+run_step("compiling the consumer with pkg-config flags"
+  "${CXX_COMPILER}" -std=c++17 -fPIC "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}" ${pc_flag_list})
+run_step("running the consumer built with pkg-config" "${pc_exe}")
+message(STATUS "pkg-config consumer: ${step_output}")
