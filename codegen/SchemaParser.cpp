@@ -94,7 +94,13 @@ public:
             QString problem;
             if (!splitLine(text, line.words, problem))
                 return fail(number, problem, error);
-            if (!line.words.isEmpty())
+            if (line.words.isEmpty())
+                continue;
+            // A line that starts with a quoted name goes on with the list of
+            // names of the line before it.
+            if (isQuoted(line.words.first()) && !m_lines.isEmpty() && isQuoted(m_lines.last().words.last()))
+                m_lines.last().words += line.words;
+            else
                 m_lines.append(line);
         }
         for (m_pos = 0; m_pos < m_lines.size();) {

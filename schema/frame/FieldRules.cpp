@@ -52,13 +52,12 @@ static bool holdsValue(Payload& p, const FieldInfo& f)
 
 bool Runtime::hasData(const Record& r)
 {
+    // A class with nothing mandatory always has its data, with or without a payload.
     Payload* p = existing(r);
-    if (!p)
-        return false;
     const ClassInfo& info = r.GetClassInfo();
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
-        if (f.mandatory && !holdsValue(*p, f))
+        if (f.mandatory && (!p || !holdsValue(*p, f)))
             return false;
     }
     return true;
