@@ -12,6 +12,11 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include <ostream>
+
+// Lets GoogleTest print texts in its failure messages.
+inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
+
 namespace testing_support {
 
 struct LogEntry {
