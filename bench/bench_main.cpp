@@ -14,6 +14,8 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include "support/SampleTrees.h"
+
 using namespace EMITTERDOSSIERDOC;
 
 namespace {
@@ -45,6 +47,9 @@ Alternatives makeAlternatives(int count)
 }
 
 Alternatives makeThousand() { return makeAlternatives(1000); }
+
+// A technical block with every property set, 10,000 pulse items and 1,000 PRI items.
+ELINTParameter makeParameters() { return testing_support::filledParameters(10000, 1000); }
 
 QByteArray rawBytes(const Frame::Record& object)
 {
@@ -144,6 +149,7 @@ void RawRead(benchmark::State& state, T (*make)())
 
 EDD_FORMS(BeamDuration, &makeBeamDuration);
 EDD_FORMS(Alternatives1000, &makeThousand);
+EDD_FORMS(Parameters10000Pulses, &makeParameters);
 
 // --- Yardstick: the same numbers through plain QDataStream operators ------------
 
@@ -267,6 +273,44 @@ void HeapHeld_Alternatives100000(benchmark::State& state)
     state.counters["heap_per_xml_byte"] = double(held) / double(xmlBytes);
 }
 BENCHMARK(HeapHeld_Alternatives100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// The heap an object holds after it has read one of its forms, beside the size of its XML text.
+enum class Form { Xml, Tagged, Raw };
+
+void HeapHeld_Parameters10000Pulses(benchmark::State& state)
+{
+    const Form form = Form(state.range(0));
+    QString xml;
+    QByteArray bytes;
+    {
+        const ELINTParameter p = makeParameters();
+        xml = p.GetXmlString();
+        bytes = form == Form::Tagged ? p.GetBinaryRepresentationAsQByteArray() : rawBytes(p);
+    }
+    const qint64 xmlBytes = xml.toUtf8().size();
+    size_t held = 0;
+    for (auto _ : state) {
+        const size_t before = heapInUse();
+        auto object = std::make_unique<ELINTParameter>();
+        if (form == Form::Xml) {
+            object->SetXmlString(xml, false);
+        } else if (form == Form::Tagged) {
+            object->SetBinaryRepresentation(bytes);
+        } else {
+            QBuffer buffer(&bytes);
+            buffer.open(QIODevice::ReadOnly);
+            QDataStream stream(&buffer);
+            object->SetVersionSpecificBinaryWithoutValidation(stream);
+        }
+        held = heapInUse() - before;
+        benchmark::DoNotOptimize(object.get());
+    }
+    state.SetLabel(form == Form::Xml ? "after XML read" : form == Form::Tagged ? "after tagged read" : "after raw read");
+    state.counters["heap_bytes"] = double(held);
+    state.counters["xml_bytes"] = double(xmlBytes);
+    state.counters["heap_per_xml_byte"] = double(held) / double(xmlBytes);
+}
+BENCHMARK(HeapHeld_Parameters10000Pulses)->DenseRange(0, 2)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
