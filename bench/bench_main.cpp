@@ -11,6 +11,7 @@
 
 #include <QBuffer>
 #include <QDataStream>
+#include <QXmlStreamReader>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
@@ -242,6 +243,23 @@ void PlainRead_Alternatives1000(benchmark::State& state)
     }
 }
 BENCHMARK(PlainRead_Alternatives1000);
+
+// Yardstick for the XML reader: a bare token pass over the same text.
+void TokenPass_Parameters10000Pulses(benchmark::State& state)
+{
+    const QString text = makeParameters().GetXmlString();
+    for (auto _ : state) {
+        QXmlStreamReader reader(text);
+        int tokens = 0;
+        while (!reader.atEnd()) {
+            reader.readNext();
+            ++tokens;
+        }
+        benchmark::DoNotOptimize(tokens);
+    }
+    state.SetBytesProcessed(state.iterations() * text.size());
+}
+BENCHMARK(TokenPass_Parameters10000Pulses);
 
 // --- Heap held by a loaded list -------------------------------------------------
 
