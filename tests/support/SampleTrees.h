@@ -1,7 +1,7 @@
 #pragma once
 
 // Filled object trees for round trips and benchmarks: every property of every
-// class below the parameter block set, every list with items. Doubles carry
+// class set, every list with items. Doubles carry
 // two decimals so that the text forms give them back unchanged.
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
@@ -220,6 +220,119 @@ inline EMITTERDOSSIERDOC::ELINTParameter filledParameters(int pulses = 3, int pr
     for (int k = 0; k < pulses; ++k)
         pulseItems.append(pulseItem(quint64(k)));
     return p;
+}
+
+inline EMITTERDOSSIERDOC::Filter filledFilter(const QString& name)
+{
+    using namespace EMITTERDOSSIERDOC;
+    Filter f;
+    f.SetName(name);
+    f.SetComments(QStringLiteral("Pulses of the main beam"));
+    TOA& toa = f.GetTOA();
+    toa.Setunit(TOA::unit(0));
+    toa.SetMin(1000);
+    toa.SetMax(250000.5);
+    toa.Setinverse(false);
+    Level& level = f.GetLevel();
+    level.Setunit(Level::unit(1));
+    level.SetMin(-70);
+    level.SetMax(-20.25);
+    level.Setinverse(true);
+    f.SetPulseWidth(statistic<PulseWidth>(1500));
+    f.SetBandwidth(unitScalar<Bandwidth>(5000000));
+    f.SetCenterFrequency(statistic<CenterFrequency>(9400000000.0));
+    AOA& aoa = f.GetAOA();
+    aoa.Setunit(AOA::unit(0));
+    aoa.SetMin(10);
+    aoa.SetMax(45.5);
+    PRT& prt = f.GetPRT();
+    prt.Setunit(PRT::unit(0));
+    prt.SetMin(800);
+    PeriodicTOA& periodic = f.GetPeriodicTOA();
+    periodic.Setunit(PeriodicTOA::unit(0));
+    periodic.Setinverse(false);
+    periodic.SetOffset(12.5);
+    periodic.SetDuration(400);
+    periodic.SetPeriod(1000000);
+    Modulations& modulations = f.GetModulations();
+    modulations.AppendModulation(modulations.NameToModulation(QStringLiteral("LFM")));
+    modulations.AppendModulation(modulations.NameToModulation(QStringLiteral("PSK4")));
+    f.SetIsPulse(true);
+    f.SetIsInvalid(false);
+    return f;
+}
+
+// A dossier with every property of every class set: the parameter block of
+// filledParameters(pulses, pris), files, two filters and a service request.
+inline EMITTERDOSSIERDOC::EmitterDossier filledDossier(int pulses = 3, int pris = 3)
+{
+    using namespace EMITTERDOSSIERDOC;
+    EmitterDossier d;
+    d.SetName(QStringLiteral("Harbour Lantern"));
+    d.SetModeName(QStringLiteral("Long range search"));
+    d.SetDatabaseID(QStringLiteral("EDB-0412-A"));
+    d.SetConfidence(0.75);
+    d.SetAgeOutTime(unitScalar<AgeOutTime>(3600));
+    Alternatives& alternatives = d.GetAlternatives();
+    for (int k = 0; k < 2; ++k) {
+        Alternative a;
+        a.SetName(k ? QStringLiteral("Granite Sweep") : QStringLiteral("Tin Drum Mk2"));
+        a.SetDatabaseID(k ? QStringLiteral("EDB-1187-C") : QStringLiteral("EDB-0930-B"));
+        a.SetConfidence(k ? 0.15 : 0.1);
+        alternatives.AppendAlternative(a);
+    }
+    d.SetPriority(d.NameToPriority(QStringLiteral("High")));
+    d.SetEmitterID(QStringLiteral("E-2026-0042"));
+    d.SetStatus(d.NameToStatus(QStringLiteral("Active")));
+    d.SetPulseCount(48213);
+    d.SetDetectionTime(QDateTime(QDate(2026, 11, 2), QTime(14, 5, 33, 250), Qt::UTC));
+    d.SetDetectionDuration(unitScalar<DetectionDuration>(1500000000));
+    DetectionPosition& position = d.GetDetectionPosition();
+    position.SetLatitude(unitScalar<Latitude>(54.32));
+    position.SetLongitude(unitScalar<Longitude>(10.14));
+    position.SetAltitude(unitScalar<Altitude>(35.5));
+    position.SetName(QStringLiteral("Station North"));
+    Bearing& bearing = d.GetBearing();
+    bearing.Setunit(Bearing::unit(0));
+    bearing.SetAzimuth(271.25);
+    bearing.SetAzimuthTol(1.5);
+    bearing.SetElevation(2.75);
+    bearing.SetElevationTol(0.5);
+    d.SetELINTParameter(filledParameters(pulses, pris));
+
+    Files& files = d.GetFiles();
+    files.SetPDWFileName(QStringLiteral("result.pdw"));
+    files.SetIQDWFileName(QStringLiteral("result.iqdw"));
+    files.SetIQDWIndexFileName(QStringLiteral("result.iqdw.idx"));
+    files.SetRawPDWFileName(QStringLiteral("result.rawpdw"));
+    files.SetWBIQFileName(QStringLiteral("result.wbiq"));
+    OriginalSource& source = files.GetOriginalSource();
+    source.SetPDWFileName(QStringLiteral("source.pdw"));
+    source.SetIQDWFileName(QStringLiteral("source.iqdw"));
+    source.SetIQDWIndexFileName(QStringLiteral("source.iqdw.idx"));
+    source.SetRawPDWFileName(QStringLiteral("source.rawpdw"));
+    source.GetWBIQFileName().Settype(WBIQFileName::type(5));
+    source.GetWBIQFileName().SetValue(QStringLiteral("source.vita49"));
+    Selection& selection = source.GetSelection();
+    selection.Setunit(Selection::unit(0));
+    selection.SetStart(1000000.25);
+    selection.SetStop(2500000.75);
+    AdditionalRecording& recording = files.GetAdditionalRecording();
+    recording.SetIQDWFileName(QStringLiteral("extra.iqdw"));
+    recording.SetWBIQFileName(QStringLiteral("extra.wbiq"));
+    for (int k = 1; k <= 2; ++k) {
+        Screenshot shot;
+        shot.SetFileName(QStringLiteral("screen-%1.png").arg(k));
+        shot.SetComment(QStringLiteral("Spectrum at pass %1").arg(k));
+        files.GetScreenshotList().AppendScreenshot(shot);
+    }
+
+    d.AppendFilter(filledFilter(QStringLiteral("Main beam")));
+    d.AppendFilter(filledFilter(QStringLiteral("Side lobes")));
+    RADService& service = d.GetRADService();
+    service.SetAction(service.NameToAction(QStringLiteral("ToReport")));
+    service.SetAdditionalInformation(QStringLiteral("Compare with last month's pass"));
+    return d;
 }
 
 }  // namespace testing_support
