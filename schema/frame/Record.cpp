@@ -249,6 +249,11 @@ bool Record::HasData() const { return Runtime::hasData(*this); }
 bool Record::AnyData() const { return Runtime::anyData(*this); }
 bool Record::equals(const Record& other) const { return Runtime::equal(*this, other); }
 
+bool Record::IsEqualTo(const Record& other) const
+{
+    return &GetClassInfo() == &other.GetClassInfo() && equals(other);
+}
+
 void Record::Check() const { Check(false); }
 
 void Record::Check(bool traceOnly) const

@@ -62,6 +62,9 @@ public:
     // The field table of this object's class.
     virtual const ClassInfo& GetClassInfo() const = 0;
 
+    // operator== for objects known only as records: false for objects of two classes.
+    bool IsEqualTo(const Record& other) const;
+
 protected:
     explicit Record(const ClassInfo& info);
     Record(const Record& other, const ClassInfo& info);

@@ -1,0 +1,191 @@
+// The whole schema against its fixed tables: every class with its id and
+// element name and no other class, every field with the tag of its name and
+// kind, and the fresh object of every class through the three forms.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include <QHash>
+#include <QSet>
+
+#include "schema/SchemaTables.h"
+#include "support/TestSupport.h"
+
+using namespace EMITTERDOSSIERDOC;
+using namespace testing_support;
+
+namespace {
+
+const char* kindName(Frame::Kind kind)
+{
+    switch (kind) {
+    case Frame::Kind::Double: return "double as text";
+    case Frame::Kind::UInt64: return "raw 64-bit";
+    case Frame::Kind::Bool: return "raw bool";
+    case Frame::Kind::Text: return "text";
+    case Frame::Kind::DateTime: return "date-time text";
+    case Frame::Kind::Enum: return "enum name";
+    case Frame::Kind::Child: return "nested record";
+    case Frame::Kind::List:
+    case Frame::Kind::EnumList: return "counted list";
+    }
+    return "";
+}
+
+struct Use {
+    QString className;
+    QString field;
+    quint32 tag;
+    QString kind;
+};
+
+// Every field of every class, and the root's version.
+QVector<Use> allUses()
+{
+    QVector<Use> uses;
+    for (const Frame::ClassEntry& entry : Frame::AllClasses()) {
+        const Frame::ClassInfo& info = entry.info();
+        const QString name = QLatin1String(info.name);
+        if (info.version)
+            uses.append({name, QStringLiteral("Version"), info.version->tag, QStringLiteral("raw QString")});
+        for (int i = 0; i < info.fieldCount; ++i) {
+            const Frame::FieldInfo& f = info.fields[i];
+            uses.append({name, *f.name, f.tag, QLatin1String(kindName(f.kind))});
+        }
+    }
+    return uses;
+}
+
+}  // namespace
+
+TEST(SchemaTables, EveryClassAndNoOther)
+{
+    QHash<QString, quint32> expected;
+    for (const schema_tables::ClassRow& row : schema_tables::Classes) {
+        EXPECT_EQ(qint64(row.id), row.decimal) << row.name;
+        expected.insert(QLatin1String(row.name), row.id);
+    }
+    ASSERT_EQ(expected.size(), 98);
+
+    QSet<QString> seen;
+    for (const Frame::ClassEntry& entry : Frame::AllClasses()) {
+        const QString name = QLatin1String(entry.info().name);
+        ASSERT_TRUE(expected.contains(name)) << "not a schema class: " << name.toStdString();
+        EXPECT_FALSE(seen.contains(name)) << "twice: " << name.toStdString();
+        seen.insert(name);
+        EXPECT_EQ(entry.info().id, qint64(expected.value(name))) << name.toStdString();
+
+        std::unique_ptr<Frame::Record> object(entry.create());
+        EXPECT_EQ(object->GetObjectName(), name);
+        EXPECT_EQ(entry.info().objectName(), name);
+        EXPECT_EQ(Frame::FindClass(name), &entry);
+        EXPECT_EQ(Frame::FindClass(entry.info().id), &entry);
+    }
+    EXPECT_EQ(seen.size(), 98);
+}
+
+TEST(SchemaTables, EveryFieldHasTheTagOfItsNameAndKind)
+{
+    const QVector<Use> uses = allUses();
+
+    for (const schema_tables::TagRow& row : schema_tables::Tags) {
+        const QString field = QLatin1String(row.field);
+        const QString kind = QLatin1String(row.kind);
+        QStringList listed = QString::fromLatin1(row.classes).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        int matches = 0;
+        for (const Use& use : uses) {
+            if (use.field != field || use.tag != row.tag)
+                continue;
+            ++matches;
+            EXPECT_TRUE(kind.split(QStringLiteral("; ")).contains(use.kind))
+                << use.className.toStdString() << "::" << field.toStdString() << " is " << use.kind.toStdString()
+                << ", expected " << row.kind;
+            if (!listed.isEmpty()) {
+                EXPECT_TRUE(listed.contains(use.className))
+                    << field.toStdString() << " has its tag in " << use.className.toStdString();
+                listed.removeAll(use.className);
+            }
+        }
+        if (row.classCount)
+            EXPECT_EQ(matches, row.classCount) << field.toStdString();
+        EXPECT_TRUE(listed.isEmpty()) << field.toStdString() << " is missing from "
+                                      << listed.join(QLatin1Char(' ')).toStdString();
+    }
+
+    // And the other way round: no field with a tag that its name does not have.
+    for (const Use& use : uses) {
+        bool known = false;
+        for (const schema_tables::TagRow& row : schema_tables::Tags)
+            known = known || (use.field == QLatin1String(row.field) && use.tag == row.tag);
+        EXPECT_TRUE(known) << use.className.toStdString() << "::" << use.field.toStdString() << " has tag 0x"
+                           << QByteArray::number(use.tag, 16).toStdString();
+    }
+}
+
+TEST(SchemaTables, UnitHasOneTagInEveryClassThatHasOne)
+{
+    int withUnit = 0;
+    for (const Use& use : allUses()) {
+        if (use.field == QLatin1String("unit")) {
+            ++withUnit;
+            EXPECT_EQ(use.tag, 0xa5b3acfcu) << use.className.toStdString();
+        }
+    }
+    EXPECT_EQ(withUnit, 57);
+}
+
+// Whether the raw form of a fresh object is defined: a mandatory child or
+// mandatory bool is read whatever its bit, and written only when it is set.
+bool rawFormOfFreshObjectIsDefined(const Frame::ClassInfo& info)
+{
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const Frame::FieldInfo& f = info.fields[i];
+        if (f.mandatory && (f.kind == Frame::Kind::Bool || f.kind == Frame::Kind::Child))
+            return false;
+    }
+    return true;
+}
+
+// A fresh object of every class, with the validate flag off, through the three
+// forms. The mandatory fields go out with their initial values and come back
+// set (a null text as an empty one), so the first read may differ from the
+// fresh object; from then on every form must stand still.
+TEST(SchemaTables, FreshObjectsOfEveryClassComeBackStable)
+{
+    for (const Frame::ClassEntry& entry : Frame::AllClasses()) {
+        const std::string name = entry.info().name;
+        std::unique_ptr<Frame::Record> fresh(entry.create());
+        auto logger = attachLogger(*fresh);
+
+        std::unique_ptr<Frame::Record> once(entry.create());
+        std::unique_ptr<Frame::Record> twice(entry.create());
+        once->SetLogger(logger);
+        twice->SetLogger(logger);
+        ASSERT_TRUE(once->SetXmlString(fresh->GetXmlString(), false)) << name;
+        ASSERT_TRUE(twice->SetXmlString(once->GetXmlString(), false)) << name;
+        EXPECT_EQ(twice->GetXmlString(), once->GetXmlString()) << name;
+        EXPECT_TRUE(twice->IsEqualTo(*once)) << name;
+
+        once.reset(entry.create());
+        twice.reset(entry.create());
+        once->SetLogger(logger);
+        twice->SetLogger(logger);
+        QByteArray first = fresh->GetBinaryRepresentationAsQByteArray();
+        ASSERT_TRUE(once->SetBinaryRepresentation(first)) << name;
+        QByteArray second = once->GetBinaryRepresentationAsQByteArray();
+        ASSERT_TRUE(twice->SetBinaryRepresentation(second)) << name;
+        EXPECT_EQ(twice->GetBinaryRepresentationAsQByteArray(), second) << name;
+        EXPECT_TRUE(twice->IsEqualTo(*once)) << name;
+
+        if (rawFormOfFreshObjectIsDefined(entry.info())) {
+            std::unique_ptr<Frame::Record> fromRaw(entry.create());
+            fromRaw->SetLogger(logger);
+            readRaw(*fromRaw, raw(*fresh));
+            EXPECT_EQ(raw(*fromRaw), raw(*fresh)) << name;
+        }
+        // Whatever was logged on the way is a warning: nothing is an error with the flag off.
+        for (const LogEntry& entry : logger->entries)
+            EXPECT_EQ(entry.level, RECORDKIT::WARNING) << name << ": " << entry.message.toStdString();
+    }
+}
