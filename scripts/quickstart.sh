@@ -8,4 +8,4 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 bash scripts/install-deps.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release
 cmake --build build
-build/examples/edd-example examples/alternatives.xml
+build/examples/edd-example examples/dossier.xml

@@ -6,7 +6,9 @@
 #include <functional>
 
 #include <QFile>
+#include <QSet>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 
 #include "support/SampleTrees.h"
 #include "support/TestSupport.h"
@@ -390,4 +392,25 @@ TEST(CompleteDossier, SavedAndLoadedThroughAFile)
     const QByteArray text = file.readAll();
     EXPECT_TRUE(text.contains("<DetectionTime>2026-11-02T14:05:33,250Z</DetectionTime>"));
     EXPECT_TRUE(text.contains(u8"<Level unit=\"dB\u00b5V\" inverse=\"true\">"));
+}
+
+// The bundled sample: a complete dossier in which every schema class stands.
+TEST(CompleteDossier, BundledSampleHoldsEveryClassAndPassesCheck)
+{
+    EmitterDossier d;
+    d.SetValidate(true);
+    auto logger = attachLogger(d);
+    ASSERT_TRUE(d.LoadXml(QStringLiteral(EDD_EXAMPLES_DIR "/dossier.xml")));
+    d.Check();
+    EXPECT_TRUE(logger->entries.isEmpty());
+
+    QFile file(QStringLiteral(EDD_EXAMPLES_DIR "/dossier.xml"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QXmlStreamReader reader(&file);
+    QSet<QString> elements;
+    while (!reader.atEnd())
+        if (reader.readNext() == QXmlStreamReader::StartElement)
+            elements.insert(reader.name().toString());
+    for (const Frame::ClassEntry& entry : Frame::AllClasses())
+        EXPECT_TRUE(elements.contains(entry.info().objectName())) << entry.info().name;
 }
