@@ -1,0 +1,498 @@
+// A whole dossier of about 20 MB of XML through every form, each beside a
+// yardstick in the same run:
+//   - XML read: a bare QXmlStreamReader token pass over the same text;
+//   - XML write: QXmlStreamWriter writing the bulk of the same content from plain structs;
+//   - raw read and write: plain QDataStream operators on the same numbers of the bulk;
+//   - tagged: the raw form plus the two-decimal text of its doubles, both ways.
+// The bulk is the lists of pulses, frequencies, PRIs and sequences with their
+// elements, more than 99 % of the record; the yardsticks leave out the few
+// hundred fields around them.
+
+#include <benchmark/benchmark.h>
+
+#include <malloc.h>
+
+#include <memory>
+
+#include <QBuffer>
+#include <QDataStream>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <EmitterDossierDoc/EmitterDossierDoc.h>
+
+#include "support/SampleTrees.h"
+
+using namespace EMITTERDOSSIERDOC;
+
+namespace {
+
+constexpr int Pulses = 40000;
+constexpr int Pris = 10000;
+constexpr int Frequencies = 10000;
+constexpr int Sequences = 2000;
+constexpr int ElementsPerSequence = 6;
+
+EmitterDossier makeBigDossier()
+{
+    EmitterDossier d = testing_support::filledDossier(Pulses, Pris);
+    ELINTParameter& p = d.GetELINTParameter();
+    QVector<FrequencyItem>& frequencies = p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem();
+    for (int k = 0; k < Frequencies; ++k)
+        frequencies.append(testing_support::frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
+    QVector<SequenceItem>& sequences = p.GetSequence().GetSequenceList().GetSequenceItem();
+    for (int k = 0; k < Sequences; ++k) {
+        SequenceItem s;
+        s.Setid(quint64(100 + k));
+        s.SetFrequencyID(quint64(100 + k % Frequencies));
+        s.SetDeadTime(testing_support::unitScalar<DeadTime>(125.5));
+        QVector<ElementItem>& elements = s.GetElementList().GetElementItem();
+        for (int e = 0; e < ElementsPerSequence; ++e) {
+            ElementItem element;
+            element.SetChildID(quint64((k * ElementsPerSequence + e) % Pulses));
+            element.SetChildType(ElementItem::ChildType(1));
+            element.SetNumRepetitions(quint64(8 + e));
+            element.SetPRIID(quint64(e));
+            elements.append(element);
+        }
+        sequences.append(s);
+    }
+    return d;
+}
+
+// --- The bulk as plain structs ---------------------------------------------------------
+
+struct PlainScalar {
+    qint8 unit;
+    double value;
+};
+struct PlainPulse {
+    quint64 id, pulseWidthId, modulationId;
+    PlainScalar norm, rise, fall, envelope;
+};
+struct PlainFrequency {
+    quint64 id;
+    qint8 unit;
+    double value;
+};
+struct PlainPri {
+    quint64 id;
+    qint8 valType, unit;
+    double value;
+};
+struct PlainElement {
+    quint64 childId;
+    qint8 childType;
+    quint64 repetitions, priId;
+};
+struct PlainSequence {
+    quint64 id, frequencyId;
+    PlainScalar deadTime;
+    QVector<PlainElement> elements;
+};
+struct PlainBulk {
+    QVector<PlainPulse> pulses;
+    QVector<PlainFrequency> frequencies;
+    QVector<PlainPri> pris;
+    QVector<PlainSequence> sequences;
+};
+
+template <class S>
+PlainScalar plain(const S& s)
+{
+    return {qint8(s.Getunit()), s.GetValue()};
+}
+
+PlainBulk plainBulk(const EmitterDossier& d)
+{
+    PlainBulk bulk;
+    const ELINTParameter& p = d.GetELINTParameter();
+    for (const PulseItem& i : p.GetSequence().GetPulseList().GetPulseItem())
+        bulk.pulses.append({i.Getid(), i.GetPulseWidthID(), i.GetModulationID(), plain(i.GetNormLevel()),
+                            plain(i.GetRiseTime()), plain(i.GetFallTime()), plain(i.GetEnvelopeGradient())});
+    for (const FrequencyItem& i : p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem())
+        bulk.frequencies.append({i.Getid(), qint8(i.Getunit()), i.GetValue()});
+    for (const PRIItem& i : p.GetPRIBehavior().GetPRIList().GetPRIItem())
+        bulk.pris.append({i.Getid(), qint8(i.GetpRIValType()), qint8(i.Getunit()), i.GetValue()});
+    for (const SequenceItem& s : p.GetSequence().GetSequenceList().GetSequenceItem()) {
+        PlainSequence plainSequence{s.Getid(), s.GetFrequencyID(), plain(s.GetDeadTime()), {}};
+        for (const ElementItem& e : s.GetElementList().GetElementItem())
+            plainSequence.elements.append(
+                {e.GetChildID(), qint8(e.GetChildType()), e.GetNumRepetitions(), e.GetPRIID()});
+        bulk.sequences.append(plainSequence);
+    }
+    return bulk;
+}
+
+// Everything a run needs, made once.
+struct Fixture {
+    EmitterDossier dossier = makeBigDossier();
+    QString xml = dossier.GetXmlString();
+    qint64 xmlBytes = xml.toUtf8().size();
+    QByteArray tagged = dossier.GetBinaryRepresentationAsQByteArray();
+    QByteArray raw;
+    PlainBulk bulk = plainBulk(dossier);
+
+    Fixture()
+    {
+        QBuffer buffer(&raw);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        dossier.GetVersionSpecificBinaryWithoutValidation(stream);
+    }
+    static Fixture& get()
+    {
+        static Fixture fixture;
+        return fixture;
+    }
+};
+
+size_t heapInUse()
+{
+    malloc_trim(0);
+    return mallinfo2().uordblks;
+}
+
+// The heap a dossier holds after reading one of its forms, beside the size of
+// its XML text. Measured once, apart from the timed runs: giving memory back
+// to the system between iterations would distort their times.
+void Dossier_HeapAfterRead(benchmark::State& state)
+{
+    Fixture& f = Fixture::get();
+    const int form = int(state.range(0));
+    size_t held = 0;
+    for (auto _ : state) {
+        const size_t before = heapInUse();
+        auto d = std::make_unique<EmitterDossier>();
+        if (form == 0) {
+            d->SetXmlString(f.xml, false);
+        } else if (form == 1) {
+            d->SetBinaryRepresentation(f.tagged);
+        } else {
+            QBuffer buffer(&f.raw);
+            buffer.open(QIODevice::ReadOnly);
+            QDataStream stream(&buffer);
+            d->SetVersionSpecificBinaryWithoutValidation(stream);
+        }
+        held = heapInUse() - before;
+        benchmark::DoNotOptimize(d.get());
+    }
+    state.SetLabel(form == 0 ? "XML" : form == 1 ? "tagged" : "raw");
+    state.counters["heap_bytes"] = double(held);
+    state.counters["xml_bytes"] = double(f.xmlBytes);
+    state.counters["heap_per_xml_byte"] = double(held) / double(f.xmlBytes);
+}
+BENCHMARK(Dossier_HeapAfterRead)->DenseRange(0, 2)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// --- XML ---------------------------------------------------------------------------------
+
+void Dossier_XmlRead(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        EmitterDossier d;
+        benchmark::DoNotOptimize(d.SetXmlString(f.xml, false));
+    }
+    state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+}
+BENCHMARK(Dossier_XmlRead)->Unit(benchmark::kMillisecond);
+
+void Dossier_XmlTokenPass(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        QXmlStreamReader reader(f.xml);
+        int tokens = 0;
+        while (!reader.atEnd()) {
+            reader.readNext();
+            ++tokens;
+        }
+        benchmark::DoNotOptimize(tokens);
+    }
+    state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+}
+BENCHMARK(Dossier_XmlTokenPass)->Unit(benchmark::kMillisecond);
+
+void Dossier_XmlWrite(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        const QString text = f.dossier.GetXmlString();
+        benchmark::DoNotOptimize(text.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+}
+BENCHMARK(Dossier_XmlWrite)->Unit(benchmark::kMillisecond);
+
+void writeScalar(QXmlStreamWriter& w, const QString& name, const QString& unit, double value)
+{
+    w.writeStartElement(name);
+    w.writeAttribute(QStringLiteral("unit"), unit);
+    w.writeCharacters(QString::number(value, 'f', 2));
+    w.writeEndElement();
+}
+
+void Dossier_XmlWritePlainStructs(benchmark::State& state)
+{
+    const PlainBulk& bulk = Fixture::get().bulk;
+    const QString ns = QStringLiteral("ns"), db = QStringLiteral("dB"), hz = QStringLiteral("Hz");
+    const QString perSecond = QStringLiteral("%/s"), id = QStringLiteral("id"), unit = QStringLiteral("unit");
+    const QStringList valTypes = {QStringLiteral("Pulse"), QStringLiteral("Group")};
+    const QStringList childTypes = {QStringLiteral("Sequence"), QStringLiteral("Pulse")};
+    for (auto _ : state) {
+        QString text;
+        QXmlStreamWriter w(&text);
+        w.setAutoFormatting(true);
+        w.setAutoFormattingIndent(2);
+        w.writeStartDocument();
+        w.writeStartElement(QStringLiteral("FrequencyList"));
+        for (const PlainFrequency& i : bulk.frequencies) {
+            w.writeStartElement(QStringLiteral("FrequencyItem"));
+            w.writeAttribute(id, QString::number(i.id));
+            w.writeAttribute(unit, hz);
+            w.writeCharacters(QString::number(i.value, 'f', 2));
+            w.writeEndElement();
+        }
+        w.writeEndElement();
+        w.writeStartElement(QStringLiteral("PRIList"));
+        for (const PlainPri& i : bulk.pris) {
+            w.writeStartElement(QStringLiteral("PRIItem"));
+            w.writeAttribute(id, QString::number(i.id));
+            w.writeAttribute(QStringLiteral("pRIValType"), valTypes.at(i.valType));
+            w.writeAttribute(unit, ns);
+            w.writeCharacters(QString::number(i.value, 'f', 2));
+            w.writeEndElement();
+        }
+        w.writeEndElement();
+        w.writeStartElement(QStringLiteral("SequenceList"));
+        for (const PlainSequence& s : bulk.sequences) {
+            w.writeStartElement(QStringLiteral("SequenceItem"));
+            w.writeAttribute(id, QString::number(s.id));
+            w.writeTextElement(QStringLiteral("FrequencyID"), QString::number(s.frequencyId));
+            writeScalar(w, QStringLiteral("DeadTime"), ns, s.deadTime.value);
+            w.writeStartElement(QStringLiteral("ElementList"));
+            for (const PlainElement& e : s.elements) {
+                w.writeStartElement(QStringLiteral("ElementItem"));
+                w.writeTextElement(QStringLiteral("ChildID"), QString::number(e.childId));
+                w.writeTextElement(QStringLiteral("ChildType"), childTypes.at(e.childType));
+                w.writeTextElement(QStringLiteral("NumRepetitions"), QString::number(e.repetitions));
+                w.writeTextElement(QStringLiteral("PRIID"), QString::number(e.priId));
+                w.writeEndElement();
+            }
+            w.writeEndElement();
+            w.writeEndElement();
+        }
+        w.writeEndElement();
+        w.writeStartElement(QStringLiteral("PulseList"));
+        for (const PlainPulse& i : bulk.pulses) {
+            w.writeStartElement(QStringLiteral("PulseItem"));
+            w.writeAttribute(id, QString::number(i.id));
+            w.writeTextElement(QStringLiteral("PulseWidthID"), QString::number(i.pulseWidthId));
+            w.writeTextElement(QStringLiteral("ModulationID"), QString::number(i.modulationId));
+            writeScalar(w, QStringLiteral("NormLevel"), db, i.norm.value);
+            writeScalar(w, QStringLiteral("RiseTime"), ns, i.rise.value);
+            writeScalar(w, QStringLiteral("FallTime"), ns, i.fall.value);
+            writeScalar(w, QStringLiteral("EnvelopeGradient"), perSecond, i.envelope.value);
+            w.writeEndElement();
+        }
+        w.writeEndElement();
+        w.writeEndDocument();
+        benchmark::DoNotOptimize(text.constData());
+    }
+}
+BENCHMARK(Dossier_XmlWritePlainStructs)->Unit(benchmark::kMillisecond);
+
+// --- Tagged ------------------------------------------------------------------------------
+
+void Dossier_TaggedRead(benchmark::State& state)
+{
+    Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        EmitterDossier d;
+        benchmark::DoNotOptimize(d.SetBinaryRepresentation(f.tagged));
+    }
+    state.SetBytesProcessed(state.iterations() * f.tagged.size());
+}
+BENCHMARK(Dossier_TaggedRead)->Unit(benchmark::kMillisecond);
+
+void Dossier_TaggedWrite(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        const QByteArray bytes = f.dossier.GetBinaryRepresentationAsQByteArray();
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * f.tagged.size());
+}
+BENCHMARK(Dossier_TaggedWrite)->Unit(benchmark::kMillisecond);
+
+// The text conversion that the tagged form adds to the raw one: every double
+// of the bulk to two-decimal text and back.
+void Dossier_DoubleTextBothWays(benchmark::State& state)
+{
+    const PlainBulk& bulk = Fixture::get().bulk;
+    for (auto _ : state) {
+        double sum = 0;
+        auto both = [&](double v) { sum += QByteArray::number(v, 'f', 2).toDouble(); };
+        for (const PlainPulse& i : bulk.pulses) {
+            both(i.norm.value);
+            both(i.rise.value);
+            both(i.fall.value);
+            both(i.envelope.value);
+        }
+        for (const PlainFrequency& i : bulk.frequencies)
+            both(i.value);
+        for (const PlainPri& i : bulk.pris)
+            both(i.value);
+        for (const PlainSequence& s : bulk.sequences)
+            both(s.deadTime.value);
+        benchmark::DoNotOptimize(sum);
+    }
+}
+BENCHMARK(Dossier_DoubleTextBothWays)->Unit(benchmark::kMillisecond);
+
+// --- Raw ----------------------------------------------------------------------------------
+
+void Dossier_RawRead(benchmark::State& state)
+{
+    Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        EmitterDossier d;
+        QBuffer buffer(&f.raw);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream stream(&buffer);
+        d.SetVersionSpecificBinaryWithoutValidation(stream);
+        benchmark::DoNotOptimize(d.IsInitialized());
+    }
+    state.SetBytesProcessed(state.iterations() * f.raw.size());
+}
+BENCHMARK(Dossier_RawRead)->Unit(benchmark::kMillisecond);
+
+void Dossier_RawWrite(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        f.dossier.GetVersionSpecificBinaryWithoutValidation(stream);
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * f.raw.size());
+}
+BENCHMARK(Dossier_RawWrite)->Unit(benchmark::kMillisecond);
+
+// The raw layout of the bulk written and read with plain operators.
+QDataStream& operator<<(QDataStream& s, const PlainScalar& v)
+{
+    s.writeRawData("\x03", 1);
+    return s << v.unit << v.value;
+}
+QDataStream& operator>>(QDataStream& s, PlainScalar& v)
+{
+    char bitmap;
+    s.readRawData(&bitmap, 1);
+    return s >> v.unit >> v.value;
+}
+
+void writePlain(QDataStream& s, const PlainBulk& bulk)
+{
+    s << qint32(bulk.frequencies.size());
+    for (const PlainFrequency& i : bulk.frequencies) {
+        s.writeRawData("\x07", 1);
+        s << i.id << i.unit << i.value;
+    }
+    s << qint32(bulk.pris.size());
+    for (const PlainPri& i : bulk.pris) {
+        s.writeRawData("\x0f", 1);
+        s << i.id << i.valType << i.unit << i.value;
+    }
+    s << qint32(bulk.sequences.size());
+    for (const PlainSequence& q : bulk.sequences) {
+        s.writeRawData("\x0f", 1);
+        s << q.frequencyId << q.deadTime;
+        s.writeRawData("\x01", 1);
+        s << qint32(q.elements.size());
+        for (const PlainElement& e : q.elements) {
+            s.writeRawData("\x0f", 1);
+            s << e.childId << e.childType << e.repetitions << e.priId;
+        }
+        s << q.id;
+    }
+    s << qint32(bulk.pulses.size());
+    for (const PlainPulse& i : bulk.pulses) {
+        s.writeRawData("\x7f", 1);
+        s << i.pulseWidthId << i.modulationId << i.norm << i.rise << i.fall << i.envelope << i.id;
+    }
+}
+
+void Dossier_RawWritePlainStructs(benchmark::State& state)
+{
+    const PlainBulk& bulk = Fixture::get().bulk;
+    for (auto _ : state) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        writePlain(stream, bulk);
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+}
+BENCHMARK(Dossier_RawWritePlainStructs)->Unit(benchmark::kMillisecond);
+
+void Dossier_RawReadPlainStructs(benchmark::State& state)
+{
+    QByteArray bytes;
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        writePlain(stream, Fixture::get().bulk);
+    }
+    for (auto _ : state) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream s(&buffer);
+        PlainBulk bulk;
+        char bitmap;
+        qint32 n;
+        s >> n;
+        bulk.frequencies.resize(n);
+        for (PlainFrequency& i : bulk.frequencies) {
+            s.readRawData(&bitmap, 1);
+            s >> i.id >> i.unit >> i.value;
+        }
+        s >> n;
+        bulk.pris.resize(n);
+        for (PlainPri& i : bulk.pris) {
+            s.readRawData(&bitmap, 1);
+            s >> i.id >> i.valType >> i.unit >> i.value;
+        }
+        s >> n;
+        bulk.sequences.resize(n);
+        for (PlainSequence& q : bulk.sequences) {
+            s.readRawData(&bitmap, 1);
+            s >> q.frequencyId >> q.deadTime;
+            s.readRawData(&bitmap, 1);
+            qint32 elements;
+            s >> elements;
+            q.elements.resize(elements);
+            for (PlainElement& e : q.elements) {
+                s.readRawData(&bitmap, 1);
+                s >> e.childId >> e.childType >> e.repetitions >> e.priId;
+            }
+            s >> q.id;
+        }
+        s >> n;
+        bulk.pulses.resize(n);
+        for (PlainPulse& i : bulk.pulses) {
+            s.readRawData(&bitmap, 1);
+            s >> i.pulseWidthId >> i.modulationId >> i.norm >> i.rise >> i.fall >> i.envelope >> i.id;
+        }
+        benchmark::DoNotOptimize(bulk.pulses.constData());
+    }
+}
+BENCHMARK(Dossier_RawReadPlainStructs)->Unit(benchmark::kMillisecond);
+
+}  // namespace
