@@ -510,7 +510,7 @@ bool writeSchema(const Schema& schema, const QString& outDir, QString& error)
                                       "#include \"recordkit/Converters.h\"\n#include \"recordkit/IRKObject.h\"\n"
                                       "#include \"recordkit/LogLevel.h\"\n#include \"recordkit/Logger.h\"\n"
                                       "#include \"recordkit/ObjectTypes.h\"\n#include \"recordkit/RKException.h\"\n"
-                                      "#include \"schema/frame/ClassRegistry.h\"\n");
+                                      "#include \"schema/frame/ClassRegistry.h\"\n#include \"schema/frame/Reflection.h\"\n");
     QString registry = Banner.arg(QStringLiteral("the schema description")) +
                        QStringLiteral("#include \"schema/frame/ClassRegistry.h\"\n\n");
     QString entries;

@@ -86,7 +86,7 @@ static void reportUnset(const Record& r, const FieldInfo& f, bool traceOnly)
     Runtime::reportCheck(r, e, traceOnly);
 }
 
-void Runtime::check(const Record& r, bool traceOnly)
+void Runtime::check(const Record& r, bool traceOnly, bool descend)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
@@ -110,13 +110,13 @@ void Runtime::check(const Record& r, bool traceOnly)
                 reportUnset(r, f, traceOnly);
             break;
         case Kind::Child:
-            if (f.mandatory || set)
+            if (descend && (f.mandatory || set))
                 check(child(p, f), traceOnly);
             break;
         case Kind::List: {
             if (f.mandatory && !set)
                 reportUnset(r, f, traceOnly);
-            if (f.mandatory || set) {
+            if (descend && (f.mandatory || set)) {
                 const void* list = field(p, f);
                 const ListOps& ops = f.listOps();
                 for (int k = 0; k < ops.size(list); ++k)

@@ -68,7 +68,8 @@ public:
     }
     static bool hasData(const Record& r);
     static bool anyData(const Record& r);
-    static void check(const Record& r, bool traceOnly);
+    // Check of a record; without `descend` only its own fields, not what its children and items hold.
+    static void check(const Record& r, bool traceOnly, bool descend = true);
     static bool equal(const Record& a, const Record& b);
     static void resetFields(Payload& p, const ClassInfo& info);
     static void merge(Record& target, const Record& source);

@@ -1,0 +1,38 @@
+# Runs the dossier tool once, as CTest does with a process, and checks what it
+# gives: the exit code, and regular expressions on standard output and error.
+#
+#   cmake -DTOOL=... -DARGS=a|b|c -DRC=0 [-DOUT=regex] [-DERR=regex] [-DNO_OUT=regex]
+#         [-DWORKDIR=dir] -P RunTool.cmake
+cmake_minimum_required(VERSION 3.16)
+
+string(REPLACE "|" ";" args "${ARGS}")
+if(NOT WORKDIR)
+  set(WORKDIR ${CMAKE_CURRENT_BINARY_DIR})
+endif()
+execute_process(COMMAND ${TOOL} ${args}
+  WORKING_DIRECTORY ${WORKDIR}
+  RESULT_VARIABLE rc
+  OUTPUT_VARIABLE out
+  ERROR_VARIABLE err)
+
+set(report "command: ${TOOL} ${args}\nexit code: ${rc}\n--- stdout ---\n${out}\n--- stderr ---\n${err}")
+if(NOT rc STREQUAL RC)
+  message(FATAL_ERROR "expected exit code ${RC}\n${report}")
+endif()
+if(DEFINED OUT AND NOT out MATCHES "${OUT}")
+  message(FATAL_ERROR "standard output does not match '${OUT}'\n${report}")
+endif()
+if(DEFINED NO_OUT AND out MATCHES "${NO_OUT}")
+  message(FATAL_ERROR "standard output matches '${NO_OUT}'\n${report}")
+endif()
+if(DEFINED ERR AND NOT err MATCHES "${ERR}")
+  message(FATAL_ERROR "standard error does not match '${ERR}'\n${report}")
+endif()
+# Errors come one to a line, in the tool's own words, never as a crash.
+string(REGEX MATCHALL "\n" newlines "${err}")
+list(LENGTH newlines lines)
+string(REGEX MATCHALL "dossier: " prefixes "${err}")
+list(LENGTH prefixes errors)
+if(NOT lines EQUAL errors)
+  message(FATAL_ERROR "every line on standard error must be one 'dossier: ' message\n${report}")
+endif()

@@ -1,0 +1,196 @@
+// dossier check, convert and schema.
+
+#include "Tool.h"
+
+#include <cstdio>
+
+#include <unistd.h>
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace dossier_tool {
+
+using namespace EMITTERDOSSIERDOC;
+
+// --- check ---------------------------------------------------------------------------
+
+int runCheck(const QStringList& args)
+{
+    const Arguments a = parseArguments(args, {QStringLiteral("--strict")}, {});
+    if (!a.problem.isEmpty() || a.positional.isEmpty()) {
+        error(a.problem.isEmpty() ? QStringLiteral("check needs at least one file") : a.problem);
+        return Unreadable;
+    }
+    LoadOptions options;
+    options.validate = a.flags.contains(QStringLiteral("--strict"));
+    int result = Success;
+    for (const QString& path : a.positional) {
+        Loaded loaded = load(path, options);
+        if (!loaded.error.isEmpty()) {
+            error(loaded.error);
+            result = Unreadable;
+            continue;
+        }
+        bool faults = false;
+        // What reading reported comes first, with no object to name.
+        for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
+            out(QStringLiteral("%1: %2").arg(path, entry.message));
+            faults = true;
+        }
+        // Then each object's own faults, named by where it stands.
+        const Record& root = *loaded.record;
+        Frame::ForEachChecked(root, [&](const QString& where, const Record& record) {
+            loaded.logger->entries.clear();
+            Frame::CheckOwnFields(record, true);
+            const QString name = where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where;
+            for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
+                out(QStringLiteral("%1: %2: %3").arg(path, name, entry.message));
+                faults = true;
+            }
+        });
+        if (faults && result == Success)
+            result = Differs;
+    }
+    return result;
+}
+
+// --- convert ---------------------------------------------------------------------------
+
+int runConvert(const QStringList& args)
+{
+    const Arguments a = parseArguments(
+        args, {}, {QStringLiteral("--to"), QStringLiteral("-o"), QStringLiteral("--from"), QStringLiteral("--class")});
+    if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
+        error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw")
+                                  : a.problem);
+        return Unreadable;
+    }
+    Form to;
+    if (!parseForm(a.values.value(QStringLiteral("--to")), to)) {
+        error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw)").arg(a.values.value(QStringLiteral("--to"))));
+        return Unreadable;
+    }
+    LoadOptions options;
+    if (a.values.contains(QStringLiteral("--from"))) {
+        if (a.values.value(QStringLiteral("--from")) != QLatin1String("raw")) {
+            error(QStringLiteral("--from takes only raw: the other forms are recognised by themselves"));
+            return Unreadable;
+        }
+        if (!a.values.contains(QStringLiteral("--class"))) {
+            error(QStringLiteral("--from raw needs --class NAME"));
+            return Unreadable;
+        }
+        options.raw = true;
+        options.className = a.values.value(QStringLiteral("--class"));
+    }
+    const QString target = a.values.value(QStringLiteral("-o"));
+    if (target.isEmpty() && to != Form::Xml && isatty(STDOUT_FILENO)) {
+        error(QStringLiteral("will not write the %1 form to a terminal; use -o FILE or a pipe").arg(formName(to)));
+        return Unreadable;
+    }
+    Loaded loaded = load(a.positional.first(), options);
+    if (!loaded.error.isEmpty()) {
+        error(loaded.error);
+        return Unreadable;
+    }
+    QByteArray bytes;
+    try {
+        bytes = formBytes(*loaded.record, to);
+    } catch (const RKException& e) {
+        error(e.GetMessage());
+        return Unreadable;
+    }
+    if (target.isEmpty()) {
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+        return std::fflush(stdout) == 0 ? Success : Unreadable;
+    }
+    QSaveFile file(target);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        error(QStringLiteral("%1: cannot write: %2").arg(target, file.errorString()));
+        return Unreadable;
+    }
+    return Success;
+}
+
+// --- schema ------------------------------------------------------------------------------
+
+namespace {
+
+QString xmlShape(Frame::XmlForm form)
+{
+    switch (form) {
+    case Frame::XmlForm::Attribute: return QStringLiteral("attribute");
+    case Frame::XmlForm::Element: return QStringLiteral("element");
+    case Frame::XmlForm::Content: return QStringLiteral("content");
+    case Frame::XmlForm::Child: return QStringLiteral("child");
+    case Frame::XmlForm::List: return QStringLiteral("list");
+    }
+    return QString();
+}
+
+QString typeName(const Frame::ClassInfo& owner, const Frame::FieldInfo& f)
+{
+    switch (f.kind) {
+    case Frame::Kind::Double: return QStringLiteral("double");
+    case Frame::Kind::UInt64: return QStringLiteral("uint64");
+    case Frame::Kind::Bool: return QStringLiteral("bool");
+    case Frame::Kind::Text: return QStringLiteral("text");
+    case Frame::Kind::DateTime: return QStringLiteral("datetime");
+    case Frame::Kind::Enum: return QStringLiteral("enum(%1)").arg(f.enumInfo().names->join(QLatin1Char('|')));
+    case Frame::Kind::EnumList: return QStringLiteral("enum list(%1)").arg(f.enumInfo().names->join(QLatin1Char('|')));
+    case Frame::Kind::Child:
+    case Frame::Kind::List: return QLatin1String(childClass(owner, f).name);
+    }
+    return QString();
+}
+
+}  // namespace
+
+int runSchema(const QStringList& args)
+{
+    const Arguments a = parseArguments(args, {}, {});
+    if (!a.problem.isEmpty() || a.positional.size() > 1) {
+        error(a.problem.isEmpty() ? QStringLiteral("schema takes at most one class name") : a.problem);
+        return Unreadable;
+    }
+    if (a.positional.isEmpty()) {
+        for (const ClassEntry& entry : Frame::AllClasses())
+            out(QStringLiteral("%1 0x%2 %3")
+                    .arg(QLatin1String(entry.info().name), -24)
+                    .arg(quint32(entry.info().id), 8, 16, QLatin1Char('0'))
+                    .arg(entry.info().id));
+        return Success;
+    }
+    const ClassEntry* entry = Frame::FindClass(a.positional.first());
+    if (!entry) {
+        error(QStringLiteral("unknown class '%1'").arg(a.positional.first()));
+        return Unreadable;
+    }
+    const Frame::ClassInfo& info = entry->info();
+    out(QStringLiteral("%1 0x%2 (%3), element \"%4\"")
+            .arg(QLatin1String(info.name))
+            .arg(quint32(info.id), 8, 16, QLatin1Char('0'))
+            .arg(info.id)
+            .arg(info.objectName()));
+    if (info.version)
+        out(QStringLiteral("version \"%1\", tag 0x%2, written first")
+                .arg(*info.version->text)
+                .arg(info.version->tag, 8, 16, QLatin1Char('0')));
+    out(QStringLiteral("bit  %1 %2 %3 %4 tag").arg(QStringLiteral("field"), -24).arg(QStringLiteral("xml"), -10)
+            .arg(QStringLiteral("type"), -24).arg(QStringLiteral("presence"), -10));
+    // Rows in the order of writing, as the XML and tagged forms have them.
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const Frame::FieldInfo& f = info.fields[i];
+        out(QStringLiteral("%1 %2 %3 %4 %5 0x%6")
+                .arg(f.bit, -4)
+                .arg(*f.name, -24)
+                .arg(xmlShape(f.xml), -10)
+                .arg(typeName(info, f), -24)
+                .arg(f.mandatory ? QStringLiteral("mandatory") : QStringLiteral("optional"), -10)
+                .arg(f.tag, 8, 16, QLatin1Char('0')));
+    }
+    return Success;
+}
+
+}  // namespace dossier_tool

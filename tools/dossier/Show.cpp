@@ -1,0 +1,279 @@
+// dossier show and diff: a record as a tree of properties, and the
+// differences between two records property by property.
+
+#include "Tool.h"
+
+namespace dossier_tool {
+
+using namespace EMITTERDOSSIERDOC;
+using Frame::ClassInfo;
+using Frame::FieldInfo;
+using Frame::Kind;
+
+namespace {
+
+const FieldInfo* unitField(const ClassInfo& info)
+{
+    for (int i = 0; i < info.fieldCount; ++i)
+        if (*info.fields[i].name == QLatin1String("unit") && info.fields[i].kind == Kind::Enum)
+            return &info.fields[i];
+    return nullptr;
+}
+
+// A plain field's value for people: texts as they are, an invalid
+// enumeration marked, a double with its record's unit.
+QString valueText(const Record& record, const FieldInfo& f, const FieldInfo* unit)
+{
+    QString text = Frame::FieldText(record, f);
+    if (f.kind == Kind::Enum && text.isEmpty())
+        return QStringLiteral("(invalid)");
+    if (f.kind == Kind::Text && text.isEmpty())
+        return QStringLiteral("\"\"");
+    if (f.kind == Kind::Double && unit && Frame::IsFieldSet(record, *unit))
+        text += QLatin1Char(' ') + Frame::FieldText(record, *unit);
+    return text;
+}
+
+// A record whose one value is its text content and a unit, such as a
+// measured value, fits on one line: "12.50 dBm".
+bool isOneLiner(const ClassInfo& info)
+{
+    if (!info.leaf)
+        return false;
+    for (int i = 0; i < info.fieldCount; ++i)
+        if (info.fields[i].xml == Frame::XmlForm::Content)
+            return true;
+    return false;
+}
+
+QString oneLine(const Record& record)
+{
+    const ClassInfo& info = record.GetClassInfo();
+    const FieldInfo* unit = unitField(info);
+    QString content;
+    QStringList others;
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (!Frame::IsFieldSet(record, f) || &f == unit)
+            continue;
+        if (f.xml == Frame::XmlForm::Content)
+            content = valueText(record, f, unit);
+        else
+            others.append(QStringLiteral("%1 %2").arg(*f.name, valueText(record, f, nullptr)));
+    }
+    if (content.isEmpty() && unit && Frame::IsFieldSet(record, *unit))
+        content = QStringLiteral("(no value) %1").arg(Frame::FieldText(record, *unit));
+    if (!others.isEmpty())
+        content += QStringLiteral(" (%1)").arg(others.join(QStringLiteral(", ")));
+    return content.trimmed();
+}
+
+void showRecord(const Record& record, int depth, bool all);
+
+void showField(const Record& record, const FieldInfo& f, const FieldInfo* unit, int depth, bool all)
+{
+    const QString indent(depth * 2, QLatin1Char(' '));
+    const bool set = Frame::IsFieldSet(record, f);
+    if (!set && !all)
+        return;
+    if (!set && f.kind != Kind::List && f.kind != Kind::EnumList) {
+        out(indent + *f.name + QStringLiteral(": (unset)"));
+        return;
+    }
+    switch (f.kind) {
+    case Kind::Child: {
+        const Record& child = Frame::ChildOf(record, f);
+        if (isOneLiner(child.GetClassInfo()))
+            out(indent + *f.name + QStringLiteral(": ") + oneLine(child));
+        else {
+            out(indent + *f.name);
+            showRecord(child, depth + 1, all);
+        }
+        return;
+    }
+    case Kind::List: {
+        const int n = Frame::ItemCount(record, f);
+        if (!set && n == 0) {
+            out(indent + *f.name + QStringLiteral(": (unset)"));
+            return;
+        }
+        for (int k = 0; k < n; ++k) {
+            const Record& item = Frame::ItemOf(record, f, k);
+            const QString name = QStringLiteral("%1[%2]").arg(*f.name).arg(k);
+            if (isOneLiner(item.GetClassInfo()))
+                out(indent + name + QStringLiteral(": ") + oneLine(item));
+            else {
+                out(indent + name);
+                showRecord(item, depth + 1, all);
+            }
+        }
+        return;
+    }
+    case Kind::EnumList: {
+        const int n = Frame::ItemCount(record, f);
+        if (!set && n == 0) {
+            out(indent + *f.name + QStringLiteral(": (unset)"));
+            return;
+        }
+        for (int k = 0; k < n; ++k) {
+            const QString name = Frame::EnumItemText(record, f, k);
+            out(indent + QStringLiteral("%1[%2]: %3").arg(*f.name).arg(k).arg(name.isEmpty() ? QStringLiteral("(invalid)") : name));
+        }
+        return;
+    }
+    default:
+        out(indent + *f.name + QStringLiteral(": ") + valueText(record, f, unit));
+    }
+}
+
+void showRecord(const Record& record, int depth, bool all)
+{
+    const ClassInfo& info = record.GetClassInfo();
+    const FieldInfo* unit = unitField(info);
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        // A unit that goes with the record's numbers stands beside each of them.
+        if (&f == unit && info.fieldCount > 1 && !all)
+            continue;
+        showField(record, f, unit, depth, all);
+    }
+}
+
+// --- diff ----------------------------------------------------------------------------------
+
+QString exactText(const Record& record, const FieldInfo& f)
+{
+    if (f.kind == Kind::Double)
+        return QString::number(Frame::FieldDouble(record, f), 'g', 17);
+    const QString text = Frame::FieldText(record, f);
+    if (f.kind == Kind::Enum && text.isEmpty())
+        return QStringLiteral("(invalid)");
+    return f.kind == Kind::Text ? QLatin1Char('"') + text + QLatin1Char('"') : text;
+}
+
+QString sideText(const Record& record, const FieldInfo& f)
+{
+    return Frame::IsFieldSet(record, f) ? exactText(record, f) : QStringLiteral("(unset)");
+}
+
+void diffRecords(const Record& a, const Record& b, const QString& path, int& differences)
+{
+    const ClassInfo& info = a.GetClassInfo();
+    const QString prefix = path.isEmpty() ? QString() : path + QLatin1Char('/');
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        const QString where = prefix + *f.name;
+        const bool setA = Frame::IsFieldSet(a, f), setB = Frame::IsFieldSet(b, f);
+        switch (f.kind) {
+        case Kind::Child:
+            if (setA && setB)
+                diffRecords(Frame::ChildOf(a, f), Frame::ChildOf(b, f), where, differences);
+            else if (setA != setB) {
+                out(QStringLiteral("%1: %2 -> %3").arg(where, setA ? QStringLiteral("(set)") : QStringLiteral("(unset)"),
+                                                        setB ? QStringLiteral("(set)") : QStringLiteral("(unset)")));
+                ++differences;
+            }
+            break;
+        case Kind::List: {
+            const int na = Frame::ItemCount(a, f), nb = Frame::ItemCount(b, f);
+            for (int k = 0; k < qMax(na, nb); ++k) {
+                const QString item = QStringLiteral("%1[%2]").arg(where).arg(k);
+                if (k >= na || k >= nb) {
+                    out(QStringLiteral("%1: only in %2").arg(item, k < na ? QStringLiteral("A") : QStringLiteral("B")));
+                    ++differences;
+                } else {
+                    diffRecords(Frame::ItemOf(a, f, k), Frame::ItemOf(b, f, k), item, differences);
+                }
+            }
+            break;
+        }
+        case Kind::EnumList: {
+            const int na = Frame::ItemCount(a, f), nb = Frame::ItemCount(b, f);
+            for (int k = 0; k < qMax(na, nb); ++k) {
+                const QString va = k < na ? Frame::EnumItemText(a, f, k) : QStringLiteral("(none)");
+                const QString vb = k < nb ? Frame::EnumItemText(b, f, k) : QStringLiteral("(none)");
+                if (va != vb) {
+                    out(QStringLiteral("%1[%2]: %3 -> %4").arg(where).arg(k).arg(va, vb));
+                    ++differences;
+                }
+            }
+            break;
+        }
+        default: {
+            const QString ta = sideText(a, f), tb = sideText(b, f);
+            if (ta != tb) {
+                out(QStringLiteral("%1: %2 -> %3").arg(where, ta, tb));
+                ++differences;
+            }
+        }
+        }
+    }
+}
+
+}  // namespace
+
+int runShow(const QStringList& args)
+{
+    const Arguments a = parseArguments(args, {QStringLiteral("--all")},
+                                       {QStringLiteral("--from"), QStringLiteral("--class")});
+    if (!a.problem.isEmpty() || a.positional.size() != 1) {
+        error(a.problem.isEmpty() ? QStringLiteral("show needs one file") : a.problem);
+        return Unreadable;
+    }
+    LoadOptions options;
+    options.raw = a.values.value(QStringLiteral("--from")) == QLatin1String("raw");
+    options.className = a.values.value(QStringLiteral("--class"));
+    Loaded loaded = load(a.positional.first(), options);
+    if (!loaded.error.isEmpty()) {
+        error(loaded.error);
+        return Unreadable;
+    }
+    const Record& record = *loaded.record;
+    const ClassInfo& info = record.GetClassInfo();
+    QString head = QLatin1String(info.name);
+    if (info.version)
+        head += QStringLiteral(" (version %1)").arg(record.GetVersion());
+    out(head);
+    if (isOneLiner(info))
+        out(QStringLiteral("  ") + oneLine(record));
+    else
+        showRecord(record, 1, a.flags.contains(QStringLiteral("--all")));
+    return Success;
+}
+
+int runDiff(const QStringList& args)
+{
+    const Arguments a = parseArguments(args, {}, {});
+    if (!a.problem.isEmpty() || a.positional.size() != 2) {
+        error(a.problem.isEmpty() ? QStringLiteral("diff needs two files") : a.problem);
+        return Unreadable;
+    }
+    Loaded left = load(a.positional.at(0), LoadOptions());
+    if (!left.error.isEmpty()) {
+        error(left.error);
+        return Unreadable;
+    }
+    Loaded right = load(a.positional.at(1), LoadOptions());
+    if (!right.error.isEmpty()) {
+        error(right.error);
+        return Unreadable;
+    }
+    const Record& ra = *left.record;
+    const Record& rb = *right.record;
+    if (&ra.GetClassInfo() != &rb.GetClassInfo()) {
+        out(QStringLiteral("A is %1, B is %2").arg(QLatin1String(ra.GetClassInfo().name), QLatin1String(rb.GetClassInfo().name)));
+        return Differs;
+    }
+    int differences = 0;
+    if (ra.GetVersion() != rb.GetVersion()) {
+        out(QStringLiteral("Version: %1 -> %2").arg(ra.GetVersion(), rb.GetVersion()));
+        ++differences;
+    }
+    diffRecords(ra, rb, QString(), differences);
+    const bool equal = ra.IsEqualTo(rb);
+    if (!equal && differences == 0)
+        out(QStringLiteral("the records differ in what no property shows"));
+    return equal ? Success : Differs;
+}
+
+}  // namespace dossier_tool

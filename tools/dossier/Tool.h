@@ -1,0 +1,84 @@
+#pragma once
+
+// Shared pieces of the dossier tool: the forms a record comes in, loading a
+// file in any of them, writing a record in one of them, and reporting.
+
+#include <memory>
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <EmitterDossierDoc/EmitterDossierDoc.h>
+
+namespace dossier_tool {
+
+using EMITTERDOSSIERDOC::Frame::ClassEntry;
+using EMITTERDOSSIERDOC::Frame::Record;
+
+// Exit codes of every subcommand.
+enum ExitCode { Success = 0, Differs = 1, Unreadable = 2 };
+
+enum class Form { Xml, Tagged, Compressed, Raw };
+QString formName(Form form);
+bool parseForm(const QString& name, Form& form);
+
+// Keeps what a record logs, for the tool to print in its own words.
+class CollectingLogger : public RECORDKIT::Logger {
+public:
+    struct Entry {
+        RECORDKIT::LogLevel level;
+        QString message;
+    };
+    void Log(RECORDKIT::LogLevel level, const QString& message) override { entries.append({level, message}); }
+    QVector<Entry> entries;
+};
+
+struct LoadOptions {
+    bool validate = false;   // read with the validate flag on
+    bool raw = false;        // the input is the raw form, of the class `className`
+    QString className;
+};
+
+struct Loaded {
+    std::unique_ptr<Record> record;
+    Form form = Form::Xml;
+    std::shared_ptr<CollectingLogger> logger;  // what reading logged, and what comes after
+    QString error;                             // why the file could not be read; empty on success
+};
+
+// Reads a file in the form it holds: XML by its first start element, tagged
+// and compressed by the outer block with a known class id, raw only on request.
+Loaded load(const QString& path, const LoadOptions& options);
+
+// The record in the given form, as bytes. Throws RKException if a writer refuses.
+QByteArray formBytes(const Record& record, Form form);
+
+// One line on standard error: "dossier: <text>".
+void error(const QString& text);
+// One line on standard output.
+void out(const QString& text);
+
+// Parses "--name value" and "--flag" options; the rest are positional.
+struct Arguments {
+    QStringList positional;
+    QStringList flags;
+    QHash<QString, QString> values;
+    QString problem;  // an unknown option or a missing value
+};
+Arguments parseArguments(const QStringList& args, const QStringList& flags, const QStringList& valueOptions);
+
+// The class of a child or list field, from a default object of its owner.
+const EMITTERDOSSIERDOC::Frame::ClassInfo& childClass(const EMITTERDOSSIERDOC::Frame::ClassInfo& owner,
+                                                      const EMITTERDOSSIERDOC::Frame::FieldInfo& field);
+
+int runCheck(const QStringList& args);
+int runConvert(const QStringList& args);
+int runShow(const QStringList& args);
+int runDiff(const QStringList& args);
+int runInspect(const QStringList& args);
+int runSchema(const QStringList& args);
+
+}  // namespace dossier_tool
