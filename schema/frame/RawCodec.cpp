@@ -1,6 +1,8 @@
 // The raw form: the presence bitmap, then the fields in bit order, with no
 // tags, no lengths and no text. Exact, compact, and tied to this layout.
 
+#include <QTimeZone>
+
 #include "schema/frame/Limits.h"
 #include "schema/frame/Runtime.h"
 
@@ -75,6 +77,16 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
     }
 }
 
+// A date read as QDataStream serialises it. Input that names a time zone this
+// system does not know gives a date whose zone Qt cannot write again: it is
+// taken as no date at all.
+static void readDateTime(QDataStream& stream, QDateTime& value)
+{
+    stream >> value;
+    if (value.timeSpec() == Qt::TimeZone && !value.timeZone().isValid())
+        value = QDateTime();
+}
+
 void Runtime::readRaw(Record& r, QDataStream& stream)
 {
     Payload& p = payload(r);
@@ -119,7 +131,7 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
             break;
         case Kind::DateTime:
             if (p.test(bit))
-                stream >> value<QDateTime>(p, f);
+                readDateTime(stream, value<QDateTime>(p, f));
             break;
         case Kind::Bool:
             if (present)

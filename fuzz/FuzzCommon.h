@@ -1,0 +1,147 @@
+#pragma once
+
+// What every fuzz target does with a record that a reader has let through,
+// whole or in part: check it, write it in the three forms, and read each of
+// them back, so that the writers meet whatever the readers accept. Crashes,
+// sanitizer reports and leaks are the findings; the documented exceptions of
+// the virtual readers and writers are not.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDataStream>
+
+#include <EmitterDossierDoc/EmitterDossierDoc.h>
+
+namespace fuzzing {
+
+using EMITTERDOSSIERDOC::Frame::ClassEntry;
+using EMITTERDOSSIERDOC::Frame::Record;
+
+// Reports go nowhere: a fuzzer produces millions of them.
+class SilentLogger : public RECORDKIT::Logger {
+public:
+    void Log(RECORDKIT::LogLevel, const QString&) override {}
+};
+
+inline const std::shared_ptr<RECORDKIT::Logger>& silentLogger()
+{
+    static const std::shared_ptr<RECORDKIT::Logger> logger = std::make_shared<SilentLogger>();
+    return logger;
+}
+
+inline std::unique_ptr<Record> fresh(const ClassEntry& entry, bool validate)
+{
+    std::unique_ptr<Record> record(entry.create());
+    record->SetValidate(validate);
+    record->SetLogger(silentLogger());
+    return record;
+}
+
+inline void readRaw(Record& record, const QByteArray& bytes)
+{
+    QDataStream stream(bytes);
+    try {
+        record.SetVersionSpecificBinaryWithoutValidation(stream);
+    } catch (const RKException&) {
+        // With validation on, an incomplete item refuses to be appended.
+    }
+}
+
+inline void exercise(const ClassEntry& entry, const Record& record)
+{
+    record.Check(true);
+
+    QString xml;
+    QByteArray tagged;
+    try {
+        xml = record.GetXmlString();
+    } catch (const RKException&) {
+        // With validation on, Check refuses an incomplete record before writing.
+    }
+    try {
+        tagged = record.GetBinaryRepresentationAsQByteArray();
+    } catch (const RKException&) {
+    }
+    QByteArray raw;
+    {
+        QBuffer buffer(&raw);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        record.GetVersionSpecificBinaryWithoutValidation(stream);
+    }
+
+    const bool validate = record.GetValidate();
+    if (!xml.isEmpty())
+        fresh(entry, validate)->SetXmlString(xml, true);
+    if (!tagged.isEmpty())
+        fresh(entry, validate)->SetBinaryRepresentation(tagged);
+    readRaw(*fresh(entry, validate), raw);
+}
+
+inline const ClassEntry& rootEntry()
+{
+    return *EMITTERDOSSIERDOC::Frame::FindClass(EMITTERDOSSIERDOC::EmitterDossier::id);
+}
+
+// --- One input of each target ---------------------------------------------------------
+// The first byte chooses the validate flag (bit 0); the rest is the input of the reader.
+
+// The XML reader of the root; bit 1 of the first byte asks for a check after reading.
+inline void runXml(const uint8_t* data, size_t size)
+{
+    if (size < 1)
+        return;
+    const ClassEntry& entry = rootEntry();
+    auto record = fresh(entry, data[0] & 1);
+    record->SetXmlString(QString::fromUtf8(reinterpret_cast<const char*>(data + 1), int(size - 1)), data[0] & 2);
+    exercise(entry, *record);
+}
+
+// The tagged and compressed readers of the root, told apart by the class id in front.
+inline void runTagged(const uint8_t* data, size_t size)
+{
+    if (size < 1)
+        return;
+    const ClassEntry& entry = rootEntry();
+    auto record = fresh(entry, data[0] & 1);
+    QByteArray bytes(reinterpret_cast<const char*>(data + 1), int(size - 1));
+    record->SetBinaryRepresentation(bytes);
+    exercise(entry, *record);
+}
+
+// The raw reader of the root; the validate flag acts there only where items are appended.
+inline void runRaw(const uint8_t* data, size_t size)
+{
+    if (size < 1)
+        return;
+    const ClassEntry& entry = rootEntry();
+    auto record = fresh(entry, data[0] & 1);
+    readRaw(*record, QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1)));
+    exercise(entry, *record);
+}
+
+// The tagged reader of every class: the first byte chooses the class, the
+// second the validate flag, the rest is the records of one block, read with
+// SetBinary as a parent reads a child.
+inline void runAnyClass(const uint8_t* data, size_t size)
+{
+    if (size < 2)
+        return;
+    const auto& classes = EMITTERDOSSIERDOC::Frame::AllClasses();
+    const ClassEntry& entry = classes.at(data[0] % classes.size());
+    auto record = fresh(entry, data[1] & 1);
+    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 2), int(size - 2));
+    QDataStream stream(bytes);
+    try {
+        record->SetBinary(stream, bytes.size());
+    } catch (const RKException&) {
+        // The length error, or a refused value with validation on.
+    }
+    exercise(entry, *record);
+}
+
+}  // namespace fuzzing
