@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages needed to build and test EmitterDossierDoc.
+# Installs the Debian 12 packages needed to build and test EmitterDossierDoc,
+# clang and its sanitizer and libFuzzer runtimes included.
 # Does nothing, and says nothing, when all of them are already there.
 set -euo pipefail
 
@@ -13,6 +14,8 @@ packages=(
   libgmock-dev
   googletest
   libbenchmark-dev
+  clang
+  libclang-rt-14-dev
 )
 
 missing=()

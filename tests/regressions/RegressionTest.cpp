@@ -49,3 +49,32 @@ TEST(Regressions, RawDateWithAnUnknownTimeZoneReadsAsNoDate)
     EXPECT_FALSE(d.GetDetectionTime().isValid());
     EXPECT_FALSE(testing_support::raw(d).isEmpty());
 }
+
+// A hostile kilobyte: counts that claim two thousand million items reserve no
+// more than the bytes behind them can hold.
+TEST(Limits, ClaimedCountsReserveOnlyWhatTheInputCanHold)
+{
+    using namespace EMITTERDOSSIERDOC;
+    const QByteArray filler(1018, '\0');
+
+    Alternatives list;
+    testing_support::readRaw(list, QByteArray::fromHex("017fffffff") + filler);
+    const Alternatives& read = list;
+    EXPECT_LE(read.GetAlternative().capacity(), 1024);
+
+    Modulations set;
+    testing_support::readRaw(set, QByteArray::fromHex("017fffffff") + filler);
+    const Modulations& values = set;
+    EXPECT_LE(values.GetModulation().capacity(), 1024);
+
+    // In the tagged form the count is measured against the block first.
+    Alternatives tagged;
+    EXPECT_THROW(testing_support::readTagged(tagged, QByteArray::fromHex("e341690100000404 7fffffff") + filler, 1036),
+                 BinaryParsingException);
+    EXPECT_EQ(static_cast<const Alternatives&>(tagged).GetAlternative().capacity(), 0);
+
+    // A compressed form that states more than its bytes can unpack to is refused unread.
+    EmitterDossier d;
+    QByteArray compressed = QByteArray::fromHex("7fffffff789c") + filler;
+    EXPECT_FALSE(d.SetBinaryRepresentation(compressed));
+}
