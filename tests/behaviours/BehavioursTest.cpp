@@ -14,19 +14,6 @@ namespace {
 
 const quint64 MaxId = std::numeric_limits<quint64>::max();
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
-template <class E, class F>
-void expectRaised(F&& action, const QString& message)
-{
-    try {
-        action();
-        ADD_FAILURE() << "nothing raised, expected: " << message.toStdString();
-    } catch (const E& e) {
-        EXPECT_EQ(e.GetMessage(), message);
-    }
-}
-
 FrequencyItem frequencyItem(quint64 id, double value)
 {
     FrequencyItem f;
@@ -53,22 +40,6 @@ PulseWidthItem pulseWidthItem(quint64 id, double value)
     p.Setunit(PulseWidthItem::unit(0));
     p.SetValue(value);
     return p;
-}
-
-// Through XML, the tagged form and the raw form into fresh objects.
-template <class T>
-void expectAllFormsRoundTrip(const T& original)
-{
-    T fromXml;
-    ASSERT_TRUE(fromXml.SetXmlString(original.GetXmlString(), false));
-    EXPECT_TRUE(fromXml == original) << original.GetXmlString().toStdString();
-    T fromTagged;
-    QByteArray bytes = original.GetBinaryRepresentationAsQByteArray();
-    ASSERT_TRUE(fromTagged.SetBinaryRepresentation(bytes));
-    EXPECT_TRUE(fromTagged == original);
-    T fromRaw;
-    readRaw(fromRaw, raw(original));
-    EXPECT_TRUE(fromRaw == original);
 }
 
 }  // namespace

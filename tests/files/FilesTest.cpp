@@ -10,37 +10,6 @@ using namespace testing_support;
 
 namespace {
 
-QString document(const char* element)
-{
-    return QStringLiteral("<?xml version=\"1.0\"?>\n") + QString::fromUtf8(element) + QLatin1Char('\n');
-}
-
-template <class E, class F>
-void expectRaised(F&& action, const QString& message)
-{
-    try {
-        action();
-        ADD_FAILURE() << "nothing raised, expected: " << message.toStdString();
-    } catch (const E& e) {
-        EXPECT_EQ(e.GetMessage(), message);
-    }
-}
-
-template <class T>
-void expectAllFormsRoundTrip(const T& original)
-{
-    T fromXml;
-    ASSERT_TRUE(fromXml.SetXmlString(original.GetXmlString(), false));
-    EXPECT_TRUE(fromXml == original) << original.GetXmlString().toStdString();
-    T fromTagged;
-    QByteArray bytes = original.GetBinaryRepresentationAsQByteArray();
-    ASSERT_TRUE(fromTagged.SetBinaryRepresentation(bytes));
-    EXPECT_TRUE(fromTagged == original);
-    T fromRaw;
-    readRaw(fromRaw, raw(original));
-    EXPECT_TRUE(fromRaw == original);
-}
-
 Screenshot screenshot(const char* file, const char* comment)
 {
     Screenshot s;

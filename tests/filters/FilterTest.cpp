@@ -12,22 +12,6 @@ using namespace testing_support;
 
 namespace {
 
-QString document(const char* element)
-{
-    return QStringLiteral("<?xml version=\"1.0\"?>\n") + QString::fromUtf8(element) + QLatin1Char('\n');
-}
-
-template <class E, class F>
-void expectRaised(F&& action, const QString& message)
-{
-    try {
-        action();
-        ADD_FAILURE() << "nothing raised, expected: " << message.toStdString();
-    } catch (const E& e) {
-        EXPECT_EQ(e.GetMessage(), message);
-    }
-}
-
 Filter named(const char* name, const char* comments)
 {
     Filter f;

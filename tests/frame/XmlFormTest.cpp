@@ -10,8 +10,6 @@ using namespace testing_support;
 
 namespace {
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
 }  // namespace
 
 TEST(XmlLeaf, ReadsAndWritesAUnitScalar)

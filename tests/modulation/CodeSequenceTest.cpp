@@ -12,8 +12,6 @@ using namespace testing_support;
 
 namespace {
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
 // Reads through ProcessXml directly, so that a raised fault reaches the test.
 void readXml(RECORDKIT::IRKObject& object, const QString& text)
 {

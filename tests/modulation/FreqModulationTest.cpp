@@ -11,8 +11,6 @@ using namespace testing_support;
 
 namespace {
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
 void readXml(RECORDKIT::IRKObject& object, const QString& text)
 {
     QXmlStreamReader reader(text);

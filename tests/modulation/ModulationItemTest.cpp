@@ -17,8 +17,6 @@ const quint64 MaxId = std::numeric_limits<quint64>::max();
 // Hex text of bytes, so that a failing layout reads as bytes.
 std::string hexOf(const QByteArray& bytes) { return bytes.toHex().toStdString(); }
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
 template <class T>
 T scalar(double value)
 {

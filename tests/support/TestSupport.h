@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include <gtest/gtest.h>
+
 #include <QBuffer>
 #include <QByteArray>
 #include <QDataStream>
@@ -109,6 +111,41 @@ private:
     QBuffer m_buffer;
     QDataStream m_stream;
 };
+
+// An XML document as GetXmlString gives it: the prologue, the element, a line end.
+inline QString document(const QString& element)
+{
+    return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n');
+}
+inline QString document(const char* element) { return document(QString::fromUtf8(element)); }
+
+// Expects `action` to raise E with exactly `message`.
+template <class E, class F>
+void expectRaised(F&& action, const QString& message)
+{
+    try {
+        action();
+        ADD_FAILURE() << "nothing raised, expected: " << message.toStdString();
+    } catch (const E& e) {
+        EXPECT_EQ(e.GetMessage(), message);
+    }
+}
+
+// Through XML, the tagged form and the raw form into fresh objects, each equal to the original.
+template <class T>
+void expectAllFormsRoundTrip(const T& original)
+{
+    T fromXml;
+    ASSERT_TRUE(fromXml.SetXmlString(original.GetXmlString(), false));
+    EXPECT_TRUE(fromXml == original) << original.GetXmlString().toStdString();
+    T fromTagged;
+    QByteArray bytes = original.GetBinaryRepresentationAsQByteArray();
+    ASSERT_TRUE(fromTagged.SetBinaryRepresentation(bytes));
+    EXPECT_TRUE(fromTagged == original);
+    T fromRaw;
+    readRaw(fromRaw, raw(original));
+    EXPECT_TRUE(fromRaw == original);
+}
 
 inline EMITTERDOSSIERDOC::Alternative makeAlternative(const char* name, const char* id, double confidence)
 {

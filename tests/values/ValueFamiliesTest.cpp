@@ -105,8 +105,6 @@ constexpr quint32 kMinTag = 0x4ecb4e58;
 constexpr quint32 kMaxTag = 0x6e8dd7f5;
 constexpr quint32 kTolTag = 0x895dd926;
 
-QString document(const QString& element) { return QStringLiteral("<?xml version=\"1.0\"?>\n") + element + QLatin1Char('\n'); }
-
 template <class T>
 QString elementName() { return QString::fromLatin1(Row<T>::name); }
 
