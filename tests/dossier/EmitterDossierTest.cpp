@@ -29,17 +29,6 @@ EmitterDossier minimalDossier(const char* name)
     return d;
 }
 
-template <class E>
-QString raised(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return QStringLiteral("<nothing raised>");
-}
-
 }  // namespace
 
 // --- Version ----------------------------------------------------------------------------
@@ -201,7 +190,7 @@ TEST(EmitterDossier, CompletenessGoesThroughTheParameterBlock)
     EXPECT_FALSE(d.HasData());
     EXPECT_TRUE(d.AnyData());
     d.SetValidate(true);
-    EXPECT_EQ(raised<OutOfRangeException>([&] { d.Check(); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { d.Check(); }),
               QStringLiteral("ELINTParameter: Please set Comments properly."));
     EXPECT_FALSE(d.IsELINTParameterSet());
 
@@ -221,7 +210,7 @@ TEST(EmitterDossier, CompletenessGoesThroughTheParameterBlock)
     d.Check();
     EmitterDossier unnamed;
     unnamed.GetELINTParameter().SetComments(QStringLiteral("c"));
-    EXPECT_EQ(raised<OutOfRangeException>([&] { unnamed.Check(); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { unnamed.Check(); }),
               QStringLiteral("EmitterDossier: Please set Name properly."));
 }
 
@@ -276,7 +265,7 @@ TEST(EmitterDossier, FiltersStandOneByOneAndReadingAppends)
     d.SetValidate(true);
     Filter incomplete;
     incomplete.SetName(QStringLiteral("no comments"));
-    EXPECT_EQ(raised<IncompleteDefinitionException>([&] { d.AppendFilter(incomplete); }),
+    EXPECT_EQ(raisedMessage<IncompleteDefinitionException>([&] { d.AppendFilter(incomplete); }),
               QStringLiteral("EmitterDossier: Tried to append not completely defined or invalid item Filter."));
     EXPECT_EQ(d.GetFilter().size(), 2);
 }
@@ -297,11 +286,11 @@ TEST(DetectionPosition, LatitudeAndLongitudeAreBothNeeded)
     EXPECT_EQ(logger->entries[0].message,
               QStringLiteral("Parameters for Longitude are not set properly in 'DetectionPosition'."));
     // Check walks both always.
-    EXPECT_EQ(raised<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Longitude: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Longitude: Please set unit properly."));
 
     p.SetLongitude(unitScalar<Longitude>(10));
     p.SetAltitude(Altitude());
-    EXPECT_EQ(raised<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Altitude: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Altitude: Please set unit properly."));
 }
 
 TEST(DetectionPosition, RawReaderTakesTheMandatoryChildrenWithoutTheirBits)
@@ -335,7 +324,7 @@ TEST(Bearing, UnitAloneIsDataAndAnglesAloneAreNot)
                                                                  "  <Azimuth>90.00</Azimuth>\n"
                                                                  "  <ElevationTol>0.50</ElevationTol>\n"
                                                                  "</Bearing>\n"));
-    EXPECT_EQ(raised<OutOfRangeException>([&] { angles.Check(); }), QStringLiteral("Bearing: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { angles.Check(); }), QStringLiteral("Bearing: Please set unit properly."));
 
     // The unit may come as an element too; the raw form has it last.
     Bearing read;

@@ -26,17 +26,6 @@ C fromXml(const char* text)
     return object;
 }
 
-template <class E>
-QString messageOf(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return QStringLiteral("<nothing raised>");
-}
-
 }  // namespace
 
 // --- ELINTParameter ------------------------------------------------------------------
@@ -98,20 +87,20 @@ TEST(ELINTParameter, CommentsAloneWritesOneElement)
 TEST(ELINTParameter, ChecksCommentsThenWaveFormThenPresentChildren)
 {
     ELINTParameter p;
-    EXPECT_EQ(messageOf<OutOfRangeException>([&] { p.Check(); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }),
               QStringLiteral("ELINTParameter: Please set Comments properly."));
     p.SetComments(QStringLiteral(""));
     p.Check();  // an empty comment is a comment
 
     // A statistic child with its bit set is checked with the same flag.
     p.GetScan().GetScanCycle().SetMean(1);
-    EXPECT_EQ(messageOf<OutOfRangeException>([&] { p.Check(); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }),
               QStringLiteral("ScanCycle: Please set unit properly."));
     p.GetScan().ResetScanCycle();
     p.Check();
 
     p.SetValidate(true);
-    EXPECT_EQ(messageOf<OutOfRangeException>([&] { p.SetComments(QString()); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.SetComments(QString()); }),
               QStringLiteral("ELINTParameter: Please set Comments properly (origin: Setter)."));
 }
 
@@ -128,7 +117,7 @@ TEST(ELINTParameter, UnknownWaveFormNameIsStoredInvalidAndCheckedLater)
     EXPECT_EQ(logger->entries[0].message, QStringLiteral("ELINTParameter: Please set WaveForm properly."));
 
     p.SetValidate(true);
-    EXPECT_EQ(messageOf<OutOfRangeException>([&] { p.SetWaveForm(ELINTParameter::WaveForm(3)); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.SetWaveForm(ELINTParameter::WaveForm(3)); }),
               QStringLiteral("enum is not valid (classname=ELINTParameter,membername=m_waveForm)"));
 }
 
@@ -304,7 +293,7 @@ TEST(Antenna, SampleWithoutIndexIsIncompleteAndTheListReportsIt)
     diagram.SetValidate(true);
     AntennaDiagramVal incomplete;
     incomplete.Setunit(AntennaDiagramVal::unit(0));
-    EXPECT_EQ(messageOf<IncompleteDefinitionException>([&] { diagram.AppendAntennaDiagramVal(incomplete); }),
+    EXPECT_EQ(raisedMessage<IncompleteDefinitionException>([&] { diagram.AppendAntennaDiagramVal(incomplete); }),
               QStringLiteral("AntennaDiagram: Tried to append not completely defined or invalid item AntennaDiagramVal."));
 }
 
@@ -326,7 +315,7 @@ TEST(Antenna, BinNumberAndIndicesAreNotTiedAndItemsKeepTheirOrder)
     ASSERT_EQ(back.GetAntennaDiagram().GetAntennaDiagramVal().size(), 3);
     EXPECT_EQ(back.GetAntennaDiagram().GetAntennaDiagramVal()[2].GetValue(), -3.0);
     EXPECT_EQ(back, antenna);
-    EXPECT_EQ(messageOf<OutOfRangeException>([&] { antenna.SetPolarization(Antenna::Polarization(5)); }),
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { antenna.SetPolarization(Antenna::Polarization(5)); }),
               QStringLiteral("enum is not valid (classname=Antenna,membername=m_polarization)"));
 }
 

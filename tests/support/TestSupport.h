@@ -3,6 +3,7 @@
 // Helpers shared by the test suites: a logger that keeps what it is told, and
 // the three forms of an object as bytes.
 
+#include <functional>
 #include <memory>
 
 #include <gtest/gtest.h>
@@ -129,6 +130,18 @@ void expectRaised(F&& action, const QString& message)
     } catch (const E& e) {
         EXPECT_EQ(e.GetMessage(), message);
     }
+}
+
+// The message of the E that `action` raises, or a text that says nothing was raised.
+template <class E>
+QString raisedMessage(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const E& e) {
+        return e.GetMessage();
+    }
+    return QStringLiteral("<nothing raised>");
 }
 
 // Through XML, the tagged form and the raw form into fresh objects, each equal to the original.
