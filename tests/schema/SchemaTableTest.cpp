@@ -189,3 +189,47 @@ TEST(SchemaTables, FreshObjectsOfEveryClassComeBackStable)
             EXPECT_EQ(entry.level, RECORDKIT::WARNING) << name << ": " << entry.message.toStdString();
     }
 }
+
+namespace {
+
+// The longest chain of nested classes below `info`; -1 if a class holds itself.
+int nestingDepth(const Frame::ClassInfo& info, QSet<qint64>& onPath)
+{
+    if (onPath.contains(info.id))
+        return -1;
+    onPath.insert(info.id);
+    std::unique_ptr<Frame::Record> sample(Frame::FindClass(info.id)->create());
+    int deepest = 0;
+    for (int i = 0; i < info.fieldCount && deepest >= 0; ++i) {
+        const Frame::FieldInfo& f = info.fields[i];
+        const Frame::ClassInfo* inner = nullptr;
+        if (f.kind == Frame::Kind::Child)
+            inner = &Frame::ChildOf(*sample, f).GetClassInfo();
+        else if (f.kind == Frame::Kind::List)
+            inner = &Frame::FindClass(f.listOps().itemName())->info();
+        if (inner) {
+            const int depth = nestingDepth(*inner, onPath);
+            deepest = depth < 0 ? -1 : qMax(deepest, depth + 1);
+        }
+    }
+    onPath.remove(info.id);
+    return deepest;
+}
+
+}  // namespace
+
+// No class holds itself, directly or through others: the readers, which go
+// down only along the schema's children, cannot recurse deeper than it.
+TEST(SchemaTables, NestingIsBoundedByTheSchema)
+{
+    int deepest = 0;
+    for (const Frame::ClassEntry& entry : Frame::AllClasses()) {
+        QSet<qint64> onPath;
+        const int depth = nestingDepth(entry.info(), onPath);
+        ASSERT_GE(depth, 0) << entry.info().name << " holds itself";
+        deepest = qMax(deepest, depth);
+    }
+    // EmitterDossier/ELINTParameter/Modulation/ModulationList/ModulationItem/
+    // FreqModulation/FreqModulationItem/Duration
+    EXPECT_EQ(deepest, 7);
+}
