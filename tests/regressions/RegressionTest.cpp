@@ -7,7 +7,7 @@
 #include <QDir>
 #include <QFile>
 
-#include "../fuzz/FuzzCommon.h"
+#include "fuzz/FuzzCommon.h"
 #include "support/TestSupport.h"
 
 namespace {
