@@ -451,24 +451,17 @@ private:
                 line(QStringLiteral("const QVector<%1::%2>& %1::Get%2() const { return data().%3; }").arg(C, X, m));
                 line(QStringLiteral("void %1::Set%2(const QVector<%2>& value) { setValue(%4, data().%3, value); }").arg(C, X, m, b));
                 line(QStringLiteral("void %1::Append%2(const %2& value) { appendEnum(%3, value); }").arg(C, X, b));
-                line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(%3, value); }").arg(C, X, b));
                 line(QStringLiteral("bool %1::IsValid%2(const QVector<%2>& values) const { return allValid(%3, values); }")
                          .arg(C, X, b));
-                line(QStringLiteral("const %1::%2 %1::GetDefault%2() const { return %2(0xFF); }").arg(C, X));
-                line(QStringLiteral("const %1::%2 %1::GetInvalid%2() const { return %2(0xFF); }").arg(C, X));
-                line(QStringLiteral("QString %1::%2ToName(const %2& value) const { return enumName(%3, value); }").arg(C, X, b));
-                line(QStringLiteral("%1::%2 %1::NameTo%2(const QString& name) const { return %2(enumIndex(%3, name)); }")
-                         .arg(C, X, b));
-                line(QStringLiteral("QStringList %1::Get%2s() { return %2Names; }").arg(C, X));
-                line(QStringLiteral("QStringList %1::GetGUI%2s() { return Frame::translatedNames(%2Names); }").arg(C, X));
-                break;
+            } else {
+                line(QStringLiteral("const %1::%2& %1::Get%2() const { return data().%3; }").arg(C, X, m));
+                line(QStringLiteral("void %1::Set%2(const %2& value) { setEnum(%3, value); }").arg(C, X, b));
+                line(QStringLiteral("QString %1::Get%2AsString() const { return %2ToName(Get%2()); }").arg(C, X));
             }
-            line(QStringLiteral("const %1::%2& %1::Get%2() const { return data().%3; }").arg(C, X, m));
-            line(QStringLiteral("void %1::Set%2(const %2& value) { setEnum(%3, value); }").arg(C, X, b));
+            // The members of every enumeration, one value or repeated.
             line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(%3, value); }").arg(C, X, b));
             line(QStringLiteral("const %1::%2 %1::GetDefault%2() const { return %2(0xFF); }").arg(C, X));
             line(QStringLiteral("const %1::%2 %1::GetInvalid%2() const { return %2(0xFF); }").arg(C, X));
-            line(QStringLiteral("QString %1::Get%2AsString() const { return %2ToName(Get%2()); }").arg(C, X));
             line(QStringLiteral("QString %1::%2ToName(const %2& value) const { return enumName(%3, value); }").arg(C, X, b));
             line(QStringLiteral("%1::%2 %1::NameTo%2(const QString& name) const { return %2(enumIndex(%3, name)); }")
                      .arg(C, X, b));

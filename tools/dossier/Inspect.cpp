@@ -44,9 +44,9 @@ private:
     qint64 m_pos = 0;
 };
 
-class Inspector {
+class BlockWalker {
 public:
-    explicit Inspector(const QByteArray& bytes) : m_cursor(bytes) {}
+    explicit BlockWalker(const QByteArray& bytes) : m_cursor(bytes) {}
 
     // Prints the records of the block from `start` to `end`; false at the first fault.
     bool run(const ClassInfo* info, qint64 start, qint64 end)
@@ -273,7 +273,7 @@ int runInspect(const QStringList& args)
     // The records of the block as far as the bytes go; what a reader would
     // find wrong is the first fault.
     const qint64 available = bytes.size() - 8;
-    Inspector body(bytes);
+    BlockWalker body(bytes);
     const bool recordsFit = body.run(&entry->info(), 8, 8 + qBound<qint64>(0, length, available));
     if (length < 0 || length > available) {
         error(QStringLiteral("%1: lengths do not add up at offset 0: the block states %2 bytes, %3 follow")
