@@ -260,8 +260,14 @@ const Frame::ClassInfo& childClass(const Frame::ClassInfo& owner, const Frame::F
 {
     if (field.kind == Frame::Kind::List)
         return Frame::FindClass(field.listOps().itemName())->info();
-    const std::unique_ptr<Record> sample(Frame::FindClass(qint64(owner.id))->create());
-    return Frame::ChildOf(*sample, field).GetClassInfo();
+    // Found once per field: inspect asks for every child record of a stream.
+    static QHash<const Frame::FieldInfo*, const Frame::ClassInfo*> known;
+    const Frame::ClassInfo*& info = known[&field];
+    if (!info) {
+        const std::unique_ptr<Record> sample(Frame::FindClass(qint64(owner.id))->create());
+        info = &Frame::ChildOf(*sample, field).GetClassInfo();
+    }
+    return *info;
 }
 
 }  // namespace dossier_tool
