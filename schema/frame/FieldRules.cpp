@@ -359,24 +359,31 @@ bool Runtime::claimsCurrentVersion(Payload& p, const VersionInfo& v)
     return loaded.toFloat() >= version(p, v).toFloat();
 }
 
-Record& Runtime::beginAppend(Record& owner, Payload& p, const FieldInfo& f)
+PendingItem::PendingItem(Record& owner, Payload& payload, const FieldInfo& field)
+    : m_owner(owner),
+      m_payload(payload),
+      m_field(field),
+      m_item(field.listOps().appendDefault(Runtime::field(payload, field)))
 {
-    Record& item = f.listOps().appendDefault(field(p, f));
-    adopt(owner, item);
-    return item;
+    Runtime::adopt(owner, m_item);
 }
 
-void Runtime::finishAppend(Record& owner, Payload& p, const FieldInfo& f)
+PendingItem::~PendingItem()
 {
-    void* list = field(p, f);
-    const ListOps& ops = f.listOps();
-    const bool complete = ops.at(list, ops.size(list) - 1).HasData();
-    if (complete || !owner.GetValidate())
-        p.set(f.bit);
+    if (!m_finished)
+        m_field.listOps().removeLast(Runtime::field(m_payload, m_field));
+}
+
+void PendingItem::finish()
+{
+    m_finished = true;
+    const bool complete = m_item.HasData();
+    if (complete || !m_owner.GetValidate())
+        m_payload.set(m_field.bit);
     else
-        ops.removeLast(list);
+        m_field.listOps().removeLast(Runtime::field(m_payload, m_field));
     if (!complete)
-        reportIncompleteItem(owner, f);
+        reportIncompleteItem(m_owner, m_field);
 }
 
 }  // namespace Frame

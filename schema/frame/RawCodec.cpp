@@ -87,6 +87,26 @@ static void readDateTime(QDataStream& stream, QDateTime& value)
         value = QDateTime();
 }
 
+// The item count of a list; a negative one is no count a writer makes.
+static qint32 readCount(QDataStream& stream)
+{
+    qint32 count = 0;
+    stream >> count;
+    if (count < 0) {
+        stream.setStatus(QDataStream::ReadCorruptData);
+        return 0;
+    }
+    return count;
+}
+
+// A list that ends before its count leaves the stream failed, as a string cut
+// short does: the input was too short for the record.
+static void endList(QDataStream& stream, qint32 read, qint32 count)
+{
+    if (read < count)
+        stream.setStatus(QDataStream::ReadPastEnd);
+}
+
 void Runtime::readRaw(Record& r, QDataStream& stream)
 {
     Payload& p = payload(r);
@@ -144,28 +164,30 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
         case Kind::List: {
             if (f.has(OmitWhenEmpty) && !p.test(bit))
                 break;
-            qint32 count = 0;
-            stream >> count;
+            const qint32 count = readCount(stream);
             void* list = field(p, f);
             const ListOps& ops = f.listOps();
             ops.reserve(list, ops.size(list) + reservableItems(stream, count, MinRawItemBytes));
-            // A count beyond what the stream holds ends with the stream.
-            for (qint32 k = 0; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
-                readRaw(beginAppend(r, p, f), stream);
-                finishAppend(r, p, f);
+            qint32 k = 0;
+            for (; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+                PendingItem item(r, p, f);
+                readRaw(item.item(), stream);
+                item.finish();
             }
+            endList(stream, k, count);
             break;
         }
         case Kind::EnumList: {
-            qint32 count = 0;
-            stream >> count;
+            const qint32 count = readCount(stream);
             void* list = field(p, f);
             f.enumListInfo().reserve(list, reservableItems(stream, count, 1));
-            for (qint32 k = 0; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+            qint32 k = 0;
+            for (; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
                 qint8 v = -1;
                 stream >> v;
                 appendEnumValue(r, p, f, quint8(v));
             }
+            endList(stream, k, count);
             break;
         }
         }

@@ -13,6 +13,31 @@
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
+// An item that a reader makes in place at the end of a list and reads there.
+// It stays only if its read completes and the list's append rule takes it: an
+// item whose read raises is taken out again on the way out, so that the list
+// holds what it would hold had the item been read apart and then appended.
+class PendingItem {
+public:
+    PendingItem(Record& owner, Payload& payload, const FieldInfo& field);
+    ~PendingItem();
+    PendingItem(const PendingItem&) = delete;
+    PendingItem& operator=(const PendingItem&) = delete;
+
+    // The new item, with the owner's flag and logger.
+    Record& item() { return m_item; }
+    // Applies the append rule to the item that has been read: an incomplete
+    // one is kept with a warning, or refused with the validate flag on.
+    void finish();
+
+private:
+    Record& m_owner;
+    Payload& m_payload;
+    const FieldInfo& m_field;
+    Record& m_item;
+    bool m_finished = false;
+};
+
 class Runtime {
 public:
     // --- Payload access ---------------------------------------------------------
@@ -81,10 +106,6 @@ public:
     static quint8 enumIndex(const FieldInfo& f, const QString& name);
     // Appends a copy of `item`, with the test of completeness.
     static void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
-    // A new item at the end of the list, with the owner's flag and logger, to be read in place.
-    static Record& beginAppend(Record& owner, Payload& p, const FieldInfo& f);
-    // Applies the test of completeness to the item that beginAppend made and that has been read.
-    static void finishAppend(Record& owner, Payload& p, const FieldInfo& f);
     // Appends an enumeration value to a list of them, with the test of validity.
     static void appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 value);
 

@@ -172,9 +172,9 @@ static void readTaggedList(Record& r, Payload& p, const FieldInfo& f, QDataStrea
         stream >> itemSize;
         if (stream.status() != QDataStream::Ok)
             Runtime::lengthError(r);
-        Record& item = Runtime::beginAppend(r, p, f);
-        Runtime::readTagged(item, stream, itemSize);
-        Runtime::finishAppend(r, p, f);
+        PendingItem item(r, p, f);
+        Runtime::readTagged(item.item(), stream, itemSize);
+        item.finish();
     }
 }
 

@@ -186,8 +186,11 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
                 appendEnumValue(r, p, f, enumIndex(f, textValue(r, reader)));
                 break;
             }
-            beginAppend(r, p, f).ProcessXml(reader);
-            finishAppend(r, p, f);
+            {
+                PendingItem item(r, p, f);
+                item.item().ProcessXml(reader);
+                item.finish();
+            }
             break;
         case XmlForm::Content: break;
         }

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/SampleTrees.h"
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
@@ -418,4 +419,31 @@ TEST(FilterModulations, UnknownNamesAndEmptySets)
     EXPECT_EQ(tagged(empty, 0xcf2ffa6e), hex("cf2ffa6e 0000000c 06865de2 00000004 00000000"));
     EXPECT_EQ(raw(empty), hex("00 00000000"));
     expectRaised<OutOfRangeException>([&] { empty.Check(); }, QStringLiteral("Modulations: Please set Modulation properly."));
+}
+
+// A filter whose read raises is not kept by the root: its modulations hold a
+// value that the validate flag refuses.
+TEST(FilterInTheRoot, AFilterWhoseReadRaisesIsNotKept)
+{
+    EmitterDossier d = filledDossier();
+    d.ResetFilter();
+    Filter bad = filledFilter(QStringLiteral("Side lobes"));
+    bad.GetModulations().SetModulation({Modulations::Modulation(0xFF)});
+    d.GetFilter().append(bad);
+    QByteArray bytes = d.GetBinaryRepresentationAsQByteArray();
+
+    EmitterDossier read;
+    read.SetValidate(true);
+    auto logger = attachLogger(read);
+    EXPECT_FALSE(read.SetBinaryRepresentation(bytes));
+    ASSERT_EQ(logger->entries.size(), 1);
+    EXPECT_EQ(logger->entries.at(0).message,
+              QStringLiteral("Modulations: Tried to append not completely defined or invalid item Modulation."));
+    const EmitterDossier& root = read;
+    EXPECT_TRUE(root.GetFilter().isEmpty());
+    EXPECT_FALSE(root.IsFilterSet());
+    // Written again, the root has no filter record at all.
+    read.SetValidate(false);
+    const QByteArray again = read.GetBinaryRepresentationAsQByteArray();
+    EXPECT_FALSE(again.contains(hex("421c474b"))) << again.toHex().toStdString();
 }

@@ -96,3 +96,77 @@ TEST(RawReading, AppendTestActsWithValidationOn)
     EXPECT_THROW(readRaw(list, hex("01 00000001 00")), IncompleteDefinitionException);
     EXPECT_TRUE(list.GetAlternative().isEmpty());
 }
+
+// An item whose read raises is never appended: the second sequence holds an
+// element that its own list refuses with the validate flag on.
+TEST(RawReading, AnItemWhoseReadRaisesIsNotKept)
+{
+    ElementItem complete;
+    complete.SetChildID(1);
+    complete.SetChildType(ElementItem::ChildType(1));
+    complete.SetNumRepetitions(4);
+    SequenceItem good;
+    good.Setid(1);
+    good.GetElementList().AppendElementItem(complete);
+    SequenceItem bad;
+    bad.Setid(2);
+    bad.GetElementList().SetElementItem({ElementItem()});
+    SequenceList list;
+    list.AppendSequenceItem(good);
+    list.AppendSequenceItem(bad);
+
+    SequenceList read;
+    read.SetValidate(true);
+    EXPECT_THROW(readRaw(read, raw(list)), IncompleteDefinitionException);
+    const SequenceList& items = read;
+    ASSERT_EQ(items.GetSequenceItem().size(), 1);
+    EXPECT_EQ(items.GetSequenceItem().at(0), good);
+}
+
+// A list that ends before its count leaves the stream failed, and reserves
+// nothing beyond what the stream holds.
+TEST(RawReading, AListCutShortLeavesTheStreamFailed)
+{
+    Alternatives list;
+    list.AppendAlternative(makeAlternative("A", "1", 0.5));
+    list.AppendAlternative(makeAlternative("B", "2", 0.25));
+    const QByteArray whole = raw(list);
+    {
+        // Cut just before the second item.
+        QByteArray bytes = whole.left(whole.size() - raw(makeAlternative("B", "2", 0.25)).size());
+        QDataStream stream(bytes);
+        Alternatives read;
+        read.SetVersionSpecificBinaryWithoutValidation(stream);
+        EXPECT_EQ(stream.status(), QDataStream::ReadPastEnd);
+        EXPECT_EQ(static_cast<const Alternatives&>(read).GetAlternative().size(), 1);
+    }
+    {
+        QByteArray bytes = hex("01 7fffffff");
+        QDataStream stream(bytes);
+        Alternatives read;
+        read.SetVersionSpecificBinaryWithoutValidation(stream);
+        EXPECT_EQ(stream.status(), QDataStream::ReadPastEnd);
+        EXPECT_LE(static_cast<const Alternatives&>(read).GetAlternative().capacity(), 1);
+    }
+    {
+        QByteArray bytes = hex("01 ffffffff");
+        QDataStream stream(bytes);
+        Alternatives read;
+        read.SetVersionSpecificBinaryWithoutValidation(stream);
+        EXPECT_EQ(stream.status(), QDataStream::ReadCorruptData);
+    }
+    {
+        QByteArray bytes = hex("01 00000003 0001");
+        QDataStream stream(bytes);
+        Modulations read;
+        read.SetVersionSpecificBinaryWithoutValidation(stream);
+        EXPECT_EQ(stream.status(), QDataStream::ReadPastEnd);
+        EXPECT_EQ(static_cast<const Modulations&>(read).GetModulation().size(), 2);
+    }
+    QByteArray bytes = whole;
+    QDataStream stream(bytes);
+    Alternatives read;
+    read.SetVersionSpecificBinaryWithoutValidation(stream);
+    EXPECT_EQ(stream.status(), QDataStream::Ok);
+    EXPECT_EQ(read, list);
+}

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QtEndian>
+
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
@@ -261,4 +263,27 @@ TEST(TaggedFraming, StreamVariantsFollowTheStreamsByteOrder)
     BeamPeakPower back;
     ASSERT_TRUE(back.SetBinaryRepresentation(in));
     EXPECT_EQ(back, b);
+}
+
+// An item whose read raises is never appended, whatever the validate flag:
+// here the second item's block claims one byte more than it holds.
+TEST(TaggedErrors, AnItemWhoseReadRaisesIsNotKept)
+{
+    Alternatives list;
+    list.AppendAlternative(makeAlternative("Harbour Lantern", "EDB-0412-A", 0.75));
+    list.AppendAlternative(makeAlternative("Tin Drum", "EDB-0930-B", 0.1));
+    QByteArray block = tagged(list, quint32(Alternatives::id));
+    // block: tag, length, record tag, record length, count, item 1 length, item 1, item 2 length, item 2
+    const int firstItemLength = qFromBigEndian<qint32>(block.constData() + 20);
+    const int secondLengthAt = 24 + firstItemLength;
+    const qint32 secondLength = qFromBigEndian<qint32>(block.constData() + secondLengthAt);
+    qToBigEndian<qint32>(secondLength + 1, block.data() + secondLengthAt);
+    for (bool validate : {false, true}) {
+        Alternatives read;
+        read.SetValidate(validate);
+        EXPECT_THROW(readTagged(read, block.mid(8), block.size() - 8), BinaryParsingException);
+        const Alternatives& items = read;
+        ASSERT_EQ(items.GetAlternative().size(), 1);
+        EXPECT_EQ(items.GetAlternative().at(0).GetName(), QStringLiteral("Harbour Lantern"));
+    }
 }

@@ -219,3 +219,31 @@ TEST(Enumerations, NamesLookupsAndDisplayNames)
     EXPECT_EQ(AgeOutTime::tr("s"), QStringLiteral("s"));
     EXPECT_EQ(AgeOutTime::trUtf8("s"), QStringLiteral("s"));
 }
+
+// An item whose read raises is never appended: the list keeps only the items
+// read before it, its presence bit as they left it.
+TEST(XmlLists, AnItemWhoseReadRaisesIsNotKept)
+{
+    PRIList list;
+    list.SetValidate(true);
+    auto logger = attachLogger(list);
+    EXPECT_FALSE(list.SetXmlString(QStringLiteral("<PRIList>"
+                                                  "<PRIItem id=\"1\" pRIValType=\"Pulse\" unit=\"ns\">10.50</PRIItem>"
+                                                  "<PRIItem id=\"2\" pRIValType=\"Nope\" unit=\"ns\">11</PRIItem>"
+                                                  "</PRIList>"),
+                                   false));
+    ASSERT_EQ(logger->entries.size(), 1);
+    EXPECT_EQ(logger->entries.at(0).message, QStringLiteral("enum is not valid (classname=PRIItem,membername=m_pRIValType)"));
+    const PRIList& read = list;
+    ASSERT_EQ(read.GetPRIItem().size(), 1);
+    EXPECT_EQ(read.GetPRIItem().at(0).Getid(), 1u);
+
+    PRIList first;
+    first.SetValidate(true);
+    EXPECT_FALSE(first.SetXmlString(
+        QStringLiteral("<PRIList><PRIItem id=\"2\" pRIValType=\"Nope\" unit=\"ns\">11</PRIItem></PRIList>"), false));
+    EXPECT_FALSE(first.HasData());
+    EXPECT_FALSE(first.AnyData());
+    EXPECT_FALSE(first.IsPRIItemSet());
+    EXPECT_EQ(first, PRIList());
+}
