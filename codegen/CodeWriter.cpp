@@ -500,7 +500,7 @@ bool writeSchema(const Schema& schema, const QString& outDir, QString& error)
         classes.insert(cls.name, &cls);
     QString umbrella = Banner.arg(QStringLiteral("the schema description")) +
                        QStringLiteral("// Everything a user of the library needs.\n#pragma once\n\n"
-                                      "#include \"recordkit/Converters.h\"\n#include \"recordkit/IRKObject.h\"\n"
+                                      "#include \"recordkit/Converters.h\"\n#include \"recordkit/IRKObject.h\"\n#include \"recordkit/Input.h\"\n"
                                       "#include \"recordkit/LogLevel.h\"\n#include \"recordkit/Logger.h\"\n"
                                       "#include \"recordkit/ObjectTypes.h\"\n#include \"recordkit/RKException.h\"\n"
                                       "#include \"schema/frame/ClassRegistry.h\"\n#include \"schema/frame/Reflection.h\"\n");

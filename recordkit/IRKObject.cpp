@@ -8,14 +8,12 @@
 #include <QSaveFile>
 #include <QtEndian>
 
+#include "recordkit/Input.h"
+#include "recordkit/XmlGuard.h"
+
 namespace RECORDKIT {
 
 namespace {
-
-// zlib cannot expand data by more than about 1032 to 1; a compressed form that
-// states a larger size is refused before anything is allocated for it.
-constexpr qint64 MaxCompressionRatio = 1032;
-constexpr qint64 CompressionSlack = 1024;
 
 void configureWriter(QXmlStreamWriter& writer)
 {
@@ -23,27 +21,18 @@ void configureWriter(QXmlStreamWriter& writer)
     writer.setAutoFormattingIndent(2);
 }
 
-QString xmlErrorText(const QXmlStreamReader& reader)
+QString xmlErrorText(const QXmlStreamReader& reader, const QString& problem)
 {
     return QStringLiteral("XML error at line %1, column %2: %3")
         .arg(reader.lineNumber())
         .arg(reader.columnNumber())
-        .arg(reader.errorString());
+        .arg(problem);
 }
 
 qint32 firstWord(const QByteArray& head, QDataStream::ByteOrder order)
 {
     return order == QDataStream::BigEndian ? qFromBigEndian<qint32>(head.constData())
                                            : qFromLittleEndian<qint32>(head.constData());
-}
-
-bool looksCompressed(const QByteArray& bytes)
-{
-    if (bytes.size() < 6)
-        return false;
-    const uchar cmf = uchar(bytes.at(4));
-    const uchar flg = uchar(bytes.at(5));
-    return (cmf & 0x0F) == 8 && (cmf * 256 + flg) % 31 == 0;
 }
 
 }  // namespace
@@ -71,8 +60,27 @@ void IRKObject::SetInvalid(int& value) const { value = std::numeric_limits<int>:
 
 bool IRKObject::SetXmlString(const QString& text, bool checkAfterRead)
 {
-    QXmlStreamReader reader(text);
-    return readXml(reader, checkAfterRead);
+    AttributeGuard guard;
+    const qint64 passed = guard.scanText(reinterpret_cast<const char16_t*>(text.utf16()), text.size());
+    // A document stopped by the guard is read as far as it goes, as a file is.
+    QXmlStreamReader reader(guard.tripped() ? text.left(int(passed)) : text);
+    return readXml(reader, checkAfterRead, guard);
+}
+
+bool IRKObject::SetXmlBytes(const QByteArray& bytes, bool checkAfterRead)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return readXmlDevice(&buffer, checkAfterRead);
+}
+
+bool IRKObject::readXmlDevice(QIODevice* source, bool checkAfterRead)
+{
+    GuardedXmlDevice guarded(source);
+    guarded.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    QXmlStreamReader reader(&guarded);
+    return readXml(reader, checkAfterRead, guarded.guard());
 }
 
 bool IRKObject::LoadXml(const QString& fileName)
@@ -95,16 +103,18 @@ bool IRKObject::LoadXml(QFile* file)
         logFailure(QStringLiteral("Cannot open '%1' for reading: %2").arg(file->fileName(), file->errorString()));
         return false;
     }
-    QXmlStreamReader reader(file);
-    return readXml(reader, false);
+    return readXmlDevice(file, false);
 }
 
-bool IRKObject::readXml(QXmlStreamReader& reader, bool checkAfterRead)
+bool IRKObject::readXml(QXmlStreamReader& reader, bool checkAfterRead, const AttributeGuard& guard)
 {
+    // The guard's reason, where it cut the document, wins over the reader's
+    // "premature end" that the cut causes.
+    auto failure = [&] { return xmlErrorText(reader, guard.tripped() ? guard.problem() : reader.errorString()); };
     while (!reader.atEnd() && !reader.isStartElement())
         reader.readNext();
     if (!reader.isStartElement()) {
-        logFailure(reader.hasError() ? xmlErrorText(reader)
+        logFailure(reader.hasError() ? failure()
                                      : QStringLiteral("%1: the XML text holds no element").arg(m_objectName));
         return false;
     }
@@ -118,7 +128,7 @@ bool IRKObject::readXml(QXmlStreamReader& reader, bool checkAfterRead)
     while (!reader.atEnd())
         reader.readNext();
     if (reader.hasError()) {
-        logFailure(xmlErrorText(reader));
+        logFailure(failure());
         return false;
     }
     if (checkAfterRead)
@@ -280,7 +290,7 @@ bool IRKObject::readTaggedBlock(QDataStream& stream)
 
 bool IRKObject::readCompressed(const QByteArray& compressed)
 {
-    if (!looksCompressed(compressed)) {
+    if (!LooksCompressed(compressed)) {
         const QString found = compressed.size() >= 4
                                   ? QString::number(quint32(firstWord(compressed, QDataStream::BigEndian)))
                                   : QStringLiteral("nothing");
@@ -291,17 +301,10 @@ bool IRKObject::readCompressed(const QByteArray& compressed)
                        .arg(found));
         return false;
     }
-    const qint64 stated = qFromBigEndian<quint32>(compressed.constData());
-    if (stated > (compressed.size() - 4) * MaxCompressionRatio + CompressionSlack) {
-        logFailure(QStringLiteral("%1: the compressed form states %2 bytes, more than %3 compressed bytes can hold")
-                       .arg(m_objectName)
-                       .arg(stated)
-                       .arg(compressed.size() - 4));
-        return false;
-    }
-    QByteArray plain = qUncompress(compressed);
-    if (plain.isEmpty()) {
-        logFailure(QStringLiteral("%1: the compressed form cannot be decompressed").arg(m_objectName));
+    QByteArray plain;
+    QString problem;
+    if (!Uncompress(compressed, plain, problem)) {
+        logFailure(QStringLiteral("%1: %2").arg(m_objectName, problem));
         return false;
     }
     QDataStream stream(plain);

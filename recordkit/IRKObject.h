@@ -16,8 +16,11 @@
 #include "recordkit/RKException.h"
 
 class QFile;
+class QIODevice;
 
 namespace RECORDKIT {
+
+class AttributeGuard;
 
 // The abstract base of every record. It owns the outer work of every form
 // (files, streams, framing, compression, the XML prologue) and the reporting of
@@ -91,6 +94,10 @@ public:
     virtual void SetObjectType(ObjectTypes type) = 0;
 
     std::shared_ptr<Logger> GetLogger() const;
+    // Reads this object from the bytes of an XML document, in the encoding that
+    // the document gives (UTF-8 when it gives none); the twin of SetXmlString
+    // for a document that has not been decoded, such as one read from a pipe.
+    bool SetXmlBytes(const QByteArray& bytes, bool checkAfterRead = false);
     // Moves the stream past the payload of a tagged record of `length` bytes.
     int skipCurrentElement(QDataStream& stream, int length, int tag) const;
 
@@ -109,7 +116,9 @@ protected:
     qint64 m_classId = 0;
 
 private:
-    bool readXml(QXmlStreamReader& reader, bool checkAfterRead);
+    bool readXmlDevice(QIODevice* source, bool checkAfterRead);
+    // `guard` tells whether the input was cut short for too many attributes.
+    bool readXml(QXmlStreamReader& reader, bool checkAfterRead, const AttributeGuard& guard);
     bool readTaggedBlock(QDataStream& stream);
     bool readCompressed(const QByteArray& compressed);
     void logFailure(const QString& message) const;

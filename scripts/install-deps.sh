@@ -10,6 +10,7 @@ packages=(
   ninja-build
   pkg-config
   qtbase5-dev
+  zlib1g-dev
   libgtest-dev
   libgmock-dev
   googletest

@@ -1,0 +1,287 @@
+// The base layer's defences against input made to cost more than its size:
+// start tags with too many attributes, compressed forms that unpack to too
+// much, and the recognition of each form by its first bytes.
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QtEndian>
+
+#include "support/SampleTrees.h"
+#include "support/TestSupport.h"
+
+using namespace EMITTERDOSSIERDOC;
+using namespace testing_support;
+
+namespace {
+
+// One start tag with `count` attributes, on a line of its own.
+QString manyAttributes(int count)
+{
+    QString tag = QStringLiteral("<Alternative");
+    for (int i = 0; i < count; ++i)
+        tag += QStringLiteral(" a%1=\"%1\"").arg(i);
+    return tag + QStringLiteral("><Name>Late</Name><DatabaseID>EDB-9</DatabaseID><Confidence>0.05</Confidence></Alternative>");
+}
+
+// Alternatives with one complete item on line 2 and the start tag under test on line 3.
+QString listWith(const QString& tag)
+{
+    return QStringLiteral("<Alternatives>\n"
+                          "<Alternative><Name>Harbour Lantern</Name><DatabaseID>EDB-0412-A</DatabaseID>"
+                          "<Confidence>0.75</Confidence></Alternative>\n") +
+           tag + QStringLiteral("\n</Alternatives>\n");
+}
+
+const char* const TooMany = "XML error at line 3, column [0-9]+: a start tag has more than 256 attributes";
+
+void expectStoppedAtLine3(const Alternatives& list, const RecordingLogger& logger)
+{
+    ASSERT_EQ(logger.entries.size(), 1);
+    EXPECT_EQ(logger.entries.at(0).level, RECORDKIT::ERROR);
+    EXPECT_TRUE(QRegExp(QLatin1String(TooMany)).exactMatch(logger.entries.at(0).message)) << logger.entries.at(0).message.toStdString();
+    // What came before the cut stays, as with any broken document.
+    ASSERT_EQ(list.GetAlternative().size(), 1);
+    EXPECT_EQ(list.GetAlternative().at(0).GetName(), QStringLiteral("Harbour Lantern"));
+}
+
+// Restores the default limit of unpacking when a test ends.
+struct UnpackLimit {
+    explicit UnpackLimit(qint64 bytes) { RECORDKIT::SetMaxUnpackedSize(bytes); }
+    ~UnpackLimit() { RECORDKIT::SetMaxUnpackedSize(-1); }
+};
+
+QByteArray sizeWord(quint32 size)
+{
+    QByteArray word(4, '\0');
+    qToBigEndian(size, word.data());
+    return word;
+}
+
+}  // namespace
+
+// --- Attributes per start tag ---------------------------------------------------
+
+TEST(AttributeLimit, TextPastTheLimitIsStoppedAtItsLine)
+{
+    Alternatives list;
+    auto logger = attachLogger(list);
+    EXPECT_FALSE(list.SetXmlString(listWith(manyAttributes(257)), false));
+    expectStoppedAtLine3(list, *logger);
+}
+
+TEST(AttributeLimit, BytesAndFilesPastTheLimitAreStoppedAtTheirLine)
+{
+    const QByteArray document = listWith(manyAttributes(100000)).toUtf8();
+    {
+        Alternatives list;
+        auto logger = attachLogger(list);
+        EXPECT_FALSE(list.SetXmlBytes(document));
+        expectStoppedAtLine3(list, *logger);
+    }
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("many.xml"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(document);
+    file.close();
+    Alternatives list;
+    auto logger = attachLogger(list);
+    EXPECT_FALSE(list.LoadXml(path));
+    expectStoppedAtLine3(list, *logger);
+}
+
+TEST(AttributeLimit, TheLimitItselfPasses)
+{
+    Alternatives list;
+    auto logger = attachLogger(list);
+    // Attributes that the class does not know are passed over.
+    EXPECT_TRUE(list.SetXmlBytes(listWith(manyAttributes(256)).toUtf8()));
+    EXPECT_TRUE(logger->entries.isEmpty());
+    EXPECT_EQ(list.GetAlternative().size(), 2);
+}
+
+TEST(AttributeLimit, QuotesOutsideStartTagsAreNoAttributes)
+{
+    QString quotes;
+    QString singleQuotes;
+    for (int i = 0; i < 300; ++i) {
+        quotes += QStringLiteral(" x%1=\"1\" y='2'").arg(i);
+        singleQuotes += QStringLiteral(" y%1='2'").arg(i);
+    }
+    const QString document =
+        QStringLiteral("<?xml version=\"1.0\"?>\n<?note ") + quotes +
+        QStringLiteral("?>\n<!DOCTYPE Alternatives [\n  <!-- a ' quote --> <!ENTITY e \"]>") + singleQuotes +
+        QStringLiteral("\">\n  <?pi \" ?>\n]>\n<Alternatives><!-- ") + quotes + QStringLiteral(" -->\n") +
+        QStringLiteral("<Alternative a=\"'>\" b='\"/>'><Name><![CDATA[") + quotes +
+        QStringLiteral(" ]] ]]></Name><DatabaseID>") + quotes.toHtmlEscaped() +
+        QStringLiteral("</DatabaseID><Confidence>0.5</Confidence></Alternative></Alternatives>");
+    Alternatives fromText;
+    auto logger = attachLogger(fromText);
+    EXPECT_TRUE(fromText.SetXmlString(document, false)) << (logger->entries.isEmpty() ? std::string() : logger->entries.at(0).message.toStdString());
+    ASSERT_EQ(fromText.GetAlternative().size(), 1);
+    EXPECT_EQ(fromText.GetAlternative().at(0).GetName(), quotes + QStringLiteral(" ]] "));
+    Alternatives fromBytes;
+    EXPECT_TRUE(fromBytes.SetXmlBytes(document.toUtf8()));
+    EXPECT_EQ(fromBytes, fromText);
+}
+
+TEST(AttributeLimit, AttributeListDeclarationsAreRefused)
+{
+    // Each declared default would be added to every start tag of its element.
+    QString definitions;
+    for (int i = 0; i < 20000; ++i)
+        definitions += QStringLiteral(" a%1 CDATA 'x'").arg(i);
+    const QString document = QStringLiteral("<!DOCTYPE Alternatives [\n<!ELEMENT Alternatives ANY>\n<!ATTLIST Alternative") +
+                             definitions + QStringLiteral(">\n]>\n") + listWith(manyAttributes(1));
+    Alternatives list;
+    auto logger = attachLogger(list);
+    EXPECT_FALSE(list.SetXmlString(document, false));
+    ASSERT_EQ(logger->entries.size(), 1);
+    EXPECT_TRUE(QRegExp(QStringLiteral("XML error at line 3, column [0-9]+: attribute list declarations \\(<!ATTLIST\\) are not accepted"))
+                    .exactMatch(logger->entries.at(0).message))
+        << logger->entries.at(0).message.toStdString();
+    EXPECT_FALSE(list.HasData());
+    Alternatives fromBytes;
+    EXPECT_FALSE(fromBytes.SetXmlBytes(document.toUtf8()));
+}
+
+TEST(AttributeLimit, WideEncodingsAreCountedByTheirUnits)
+{
+    for (const char* codecName : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
+        SCOPED_TRACE(codecName);
+        QTextCodec* codec = QTextCodec::codecForName(codecName);
+        ASSERT_NE(codec, nullptr);
+        // The codec writes a byte order mark first, as the reader needs for UTF-16 and UTF-32.
+        const QByteArray small = codec->fromUnicode(listWith(manyAttributes(3)));
+        ASSERT_TRUE(small.startsWith(codec->fromUnicode(QString()).left(2)));
+        Alternatives read;
+        EXPECT_TRUE(read.SetXmlBytes(small));
+        EXPECT_EQ(read.GetAlternative().size(), 2);
+        Alternatives large;
+        auto logger = attachLogger(large);
+        EXPECT_FALSE(large.SetXmlBytes(codec->fromUnicode(listWith(manyAttributes(300)))));
+        expectStoppedAtLine3(large, *logger);
+    }
+}
+
+TEST(AttributeLimit, StartTagsAcrossTheReadersBuffersAreCounted)
+{
+    // The file is read in pieces: the start tag falls across their borders at
+    // every offset around the first few.
+    QTemporaryDir dir;
+    for (int padding = 4000; padding < 4000 + 16 * 1024; padding += 997) {
+        SCOPED_TRACE(padding);
+        const QString document = QStringLiteral("<Alternatives>\n<!--") + QString(padding, QLatin1Char('.')) +
+                                 QStringLiteral("-->\n") + manyAttributes(300) + QStringLiteral("\n</Alternatives>");
+        const QString path = dir.filePath(QStringLiteral("p%1.xml").arg(padding));
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(document.toUtf8());
+        file.close();
+        Alternatives list;
+        auto logger = attachLogger(list);
+        EXPECT_FALSE(list.LoadXml(path));
+        ASSERT_EQ(logger->entries.size(), 1);
+        EXPECT_TRUE(QRegExp(QStringLiteral("XML error at line 3, column [0-9]+: a start tag has more than 256 attributes"))
+                        .exactMatch(logger->entries.at(0).message))
+            << logger->entries.at(0).message.toStdString();
+    }
+}
+
+// --- Unpacking ---------------------------------------------------------------------
+
+TEST(UnpackLimit, AStatedSizeAboveTheLimitIsRefusedUnread)
+{
+    const EmitterDossier sample = filledDossier(20, 20);
+    QByteArray compressed = sample.GetCompressedBinaryRepresentationAsQByteArray(9);
+    const qint64 size = sample.GetBinaryRepresentationAsQByteArray().size();
+    {
+        UnpackLimit limit(size - 1);
+        EmitterDossier d;
+        auto logger = attachLogger(d);
+        EXPECT_FALSE(d.SetBinaryRepresentation(compressed));
+        ASSERT_EQ(logger->entries.size(), 1);
+        EXPECT_EQ(logger->entries.at(0).message,
+                  QStringLiteral("EmitterDossier: the compressed form states %1 bytes, more than the limit of %2 bytes")
+                      .arg(size)
+                      .arg(size - 1));
+        EXPECT_FALSE(d.IsInitialized());
+    }
+    UnpackLimit limit(size);
+    EmitterDossier d;
+    EXPECT_TRUE(d.SetBinaryRepresentation(compressed));
+    EXPECT_EQ(d, sample);
+}
+
+TEST(UnpackLimit, AFormThatUnpacksToMoreThanItStatesIsStopped)
+{
+    const QByteArray plain(100000, 'x');
+    QByteArray packed = qCompress(plain, 9);
+    packed.replace(0, 4, sizeWord(1000));
+    QByteArray out;
+    QString problem;
+    EXPECT_FALSE(RECORDKIT::Uncompress(packed, out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form unpacks to more than the 1000 bytes it states"));
+    EXPECT_TRUE(out.isEmpty());
+}
+
+TEST(UnpackLimit, ExactAndShortFormsUnpackAsQtDoes)
+{
+    QByteArray plain;
+    for (int i = 0; i < 5000; ++i)
+        plain += QByteArray::number(i * 7919 % 1000);
+    const QByteArray packed = qCompress(plain, 6);
+    QByteArray out;
+    QString problem;
+    ASSERT_TRUE(RECORDKIT::Uncompress(packed, out, problem)) << problem.toStdString();
+    EXPECT_EQ(out, plain);
+    // A stated size above the real one is only room to spare.
+    QByteArray roomy = packed;
+    roomy.replace(0, 4, sizeWord(quint32(plain.size() + 500)));
+    ASSERT_TRUE(RECORDKIT::Uncompress(roomy, out, problem)) << problem.toStdString();
+    EXPECT_EQ(out, qUncompress(roomy));
+}
+
+TEST(UnpackLimit, BrokenFormsSayWhy)
+{
+    const QByteArray packed = qCompress(QByteArray(3000, 'y'));
+    QByteArray out;
+    QString problem;
+    EXPECT_FALSE(RECORDKIT::Uncompress(packed.left(packed.size() - 6), out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form cannot be decompressed: it ends before its zlib stream does"));
+    QByteArray corrupt = packed;
+    corrupt[6] = char(0xFF);
+    corrupt[7] = char(0xFF);
+    EXPECT_FALSE(RECORDKIT::Uncompress(corrupt, out, problem));
+    EXPECT_TRUE(problem.startsWith(QStringLiteral("the compressed form cannot be decompressed: "))) << problem.toStdString();
+    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("00ff"), out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form ends inside its size word"));
+    // 0xFFFFFFFF stated by ten bytes: refused by the ratio before the limit is asked.
+    UnpackLimit unlimited(qint64(1) << 40);
+    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("7fffffff789c00000000"), out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form states 2147483647 bytes, more than the limit of 2147483583 bytes"));
+    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("0fffffff789c00000000"), out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form states 268435455 bytes, more than 6 compressed bytes can hold"));
+}
+
+TEST(FormRecognition, XmlIsKnownInEveryEncodingTheReaderKnows)
+{
+    const QString document = QStringLiteral(" \n<Alternatives/>");
+    EXPECT_TRUE(RECORDKIT::LooksLikeXml(document.toUtf8()));
+    EXPECT_TRUE(RECORDKIT::LooksLikeXml("\xEF\xBB\xBF" + document.toUtf8()));
+    for (const char* codecName : {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
+        QTextCodec* codec = QTextCodec::codecForName(codecName);
+        EXPECT_TRUE(RECORDKIT::LooksLikeXml(codec->fromUnicode(document))) << codecName;
+        // Without a byte order mark, the first '<' tells the encoding.
+        const QByteArray bare = codec->makeEncoder(QTextCodec::IgnoreHeader)->fromUnicode(document.trimmed());
+        EXPECT_TRUE(RECORDKIT::LooksLikeXml(bare)) << codecName;
+    }
+    EXPECT_FALSE(RECORDKIT::LooksLikeXml(QByteArray()));
+    EXPECT_FALSE(RECORDKIT::LooksLikeXml(" \n "));
+    EXPECT_FALSE(RECORDKIT::LooksLikeXml(filledDossier().GetBinaryRepresentationAsQByteArray()));
+    EXPECT_TRUE(RECORDKIT::LooksCompressed(filledDossier().GetCompressedBinaryRepresentationAsQByteArray(9)));
+    EXPECT_FALSE(RECORDKIT::LooksCompressed(filledDossier().GetBinaryRepresentationAsQByteArray()));
+}
