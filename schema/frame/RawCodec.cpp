@@ -1,9 +1,8 @@
 // The raw form: the presence bitmap, then the fields in bit order, with no
 // tags, no lengths and no text. Exact, compact, and tied to this layout.
 
-#include <QTimeZone>
-
 #include "schema/frame/Limits.h"
+#include "schema/frame/RawDateTime.h"
 #include "schema/frame/Runtime.h"
 
 namespace EMITTERDOSSIERDOC {
@@ -77,14 +76,11 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
     }
 }
 
-// A date read as QDataStream serialises it. Input that names a time zone this
-// system does not know gives a date whose zone Qt cannot write again: it is
-// taken as no date at all.
+// A date read as QDataStream serialises it, except that the record's zone id
+// never names a file for Qt to open: see RawDateTime.cpp.
 static void readDateTime(QDataStream& stream, QDateTime& value)
 {
-    stream >> value;
-    if (value.timeSpec() == Qt::TimeZone && !value.timeZone().isValid())
-        value = QDateTime();
+    readRawDateTime(stream, value);
 }
 
 // The item count of a list; a negative one is no count a writer makes.
