@@ -59,9 +59,13 @@ const QSet<QByteArray>& listedZoneIds()
 {
     // Asked once: the list is read from the system's zone tables. A
     // function-local static is initialised once, even when threads race.
+    // The system's own zone is taken too: the tables leave out some that
+    // systems are set to, such as "Etc/UTC".
     static const QSet<QByteArray> ids = [] {
         const QList<QByteArray> list = QTimeZone::availableTimeZoneIds();
-        return QSet<QByteArray>(list.begin(), list.end());
+        QSet<QByteArray> known(list.begin(), list.end());
+        known.insert(QTimeZone::systemTimeZoneId());
+        return known;
     }();
     return ids;
 }
