@@ -90,14 +90,20 @@ inline const ClassEntry& rootEntry()
 // --- One input of each target ---------------------------------------------------------
 // The first byte chooses the validate flag (bit 0); the rest is the input of the reader.
 
-// The XML reader of the root; bit 1 of the first byte asks for a check after reading.
+// The XML readers of the root; bit 1 of the first byte asks for a check after
+// reading, bit 2 reads the bytes as they are (any encoding the document
+// gives) instead of as UTF-8 text.
 inline void runXml(const uint8_t* data, size_t size)
 {
     if (size < 1)
         return;
     const ClassEntry& entry = rootEntry();
     auto record = fresh(entry, data[0] & 1);
-    record->SetXmlString(QString::fromUtf8(reinterpret_cast<const char*>(data + 1), int(size - 1)), data[0] & 2);
+    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1));
+    if (data[0] & 4)
+        record->SetXmlBytes(bytes, data[0] & 2);
+    else
+        record->SetXmlString(QString::fromUtf8(bytes), data[0] & 2);
     exercise(entry, *record);
 }
 
