@@ -128,6 +128,27 @@ qint64 AttributeGuard::scanWide(const char* data, qint64 size)
 }
 
 template <class Unit>
+bool AttributeGuard::skipPast(const Unit*& p, const Unit* end, char32_t c, State next)
+{
+    p = find(p, end, c);
+    if (p == end)
+        return false;
+    m_state = next;
+    ++p;
+    return true;
+}
+
+// The state after `c` in the last character of a section's end marker: the end
+// itself on '>', the same state on one more `repeated` ("--->"), else back
+// inside the section.
+AttributeGuard::State AttributeGuard::closing(char32_t c, char32_t repeated, State same, State after, State inside)
+{
+    if (c == '>')
+        return after;
+    return c == repeated ? same : inside;
+}
+
+template <class Unit>
 qint64 AttributeGuard::scan(const Unit* data, qint64 size)
 {
     if (tripped())
@@ -137,11 +158,8 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
     while (p < end) {
         switch (m_state) {
         case State::Text:
-            p = find(p, end, '<');
-            if (p == end)
+            if (!skipPast(p, end, '<', State::Open))
                 return size;
-            m_state = State::Open;
-            ++p;
             break;
         case State::Open: {
             const char32_t c = unitValue(*p);
@@ -183,18 +201,12 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
             break;
         }
         case State::Value:
-            p = find(p, end, m_quote);
-            if (p == end)
+            if (!skipPast(p, end, m_quote, State::StartTag))
                 return size;
-            m_state = State::StartTag;
-            ++p;
             break;
         case State::EndTag:
-            p = find(p, end, '>');
-            if (p == end)
+            if (!skipPast(p, end, '>', State::Text))
                 return size;
-            m_state = State::Text;
-            ++p;
             break;
         case State::Bang: {
             const char32_t c = unitValue(*p);
@@ -220,62 +232,34 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
                 m_depth = 0;
             }
             break;
+        // "-->", "]]>" and "?>" end their sections.
         case State::Comment:
-            p = find(p, end, '-');
-            if (p == end)
+            if (!skipPast(p, end, '-', State::CommentDash))
                 return size;
-            m_state = State::CommentDash;
-            ++p;
             break;
         case State::CommentDash:
-            m_state = unitValue(*p) == '-' ? State::CommentDashDash : State::Comment;
-            ++p;
+            m_state = unitValue(*p++) == '-' ? State::CommentDashDash : State::Comment;
             break;
-        case State::CommentDashDash: {
-            const char32_t c = unitValue(*p);
-            if (c == '>')
-                m_state = m_resume;
-            else if (c != '-')
-                m_state = State::Comment;
-            ++p;
+        case State::CommentDashDash:
+            m_state = closing(unitValue(*p++), '-', State::CommentDashDash, m_resume, State::Comment);
             break;
-        }
         case State::CData:
-            p = find(p, end, ']');
-            if (p == end)
+            if (!skipPast(p, end, ']', State::CDataBracket))
                 return size;
-            m_state = State::CDataBracket;
-            ++p;
             break;
         case State::CDataBracket:
-            m_state = unitValue(*p) == ']' ? State::CDataBracketBracket : State::CData;
-            ++p;
+            m_state = unitValue(*p++) == ']' ? State::CDataBracketBracket : State::CData;
             break;
-        case State::CDataBracketBracket: {
-            const char32_t c = unitValue(*p);
-            if (c == '>')
-                m_state = State::Text;
-            else if (c != ']')
-                m_state = State::CData;
-            ++p;
+        case State::CDataBracketBracket:
+            m_state = closing(unitValue(*p++), ']', State::CDataBracketBracket, State::Text, State::CData);
             break;
-        }
         case State::Instruction:
-            p = find(p, end, '?');
-            if (p == end)
+            if (!skipPast(p, end, '?', State::InstructionQuestion))
                 return size;
-            m_state = State::InstructionQuestion;
-            ++p;
             break;
-        case State::InstructionQuestion: {
-            const char32_t c = unitValue(*p);
-            if (c == '>')
-                m_state = m_resume;
-            else if (c != '?')
-                m_state = State::Instruction;
-            ++p;
+        case State::InstructionQuestion:
+            m_state = closing(unitValue(*p++), '?', State::InstructionQuestion, m_resume, State::Instruction);
             break;
-        }
         case State::Declaration: {
             const char32_t c = unitValue(*p);
             ++p;
@@ -295,11 +279,8 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
             break;
         }
         case State::DeclarationValue:
-            p = find(p, end, m_quote);
-            if (p == end)
+            if (!skipPast(p, end, m_quote, State::Declaration))
                 return size;
-            m_state = State::Declaration;
-            ++p;
             break;
         case State::DeclarationOpen: {
             const char32_t c = unitValue(*p);

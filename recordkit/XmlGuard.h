@@ -66,6 +66,11 @@ private:
     };
     enum class Stop : quint8 { None, Attributes, AttributeList };
 
+    // Passes over units up to the next `c`; on finding it, moves past it into `next`.
+    template <class Unit>
+    bool skipPast(const Unit*& p, const Unit* end, char32_t c, State next);
+    static State closing(char32_t c, char32_t repeated, State same, State after, State inside);
+
     State m_state = State::Text;
     State m_resume = State::Text;  // where a comment or an instruction returns to
     char32_t m_quote = 0;
