@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextCodec>
@@ -276,7 +278,8 @@ TEST(FormRecognition, XmlIsKnownInEveryEncodingTheReaderKnows)
         QTextCodec* codec = QTextCodec::codecForName(codecName);
         EXPECT_TRUE(RECORDKIT::LooksLikeXml(codec->fromUnicode(document))) << codecName;
         // Without a byte order mark, the first '<' tells the encoding.
-        const QByteArray bare = codec->makeEncoder(QTextCodec::IgnoreHeader)->fromUnicode(document.trimmed());
+        const std::unique_ptr<QTextEncoder> encoder(codec->makeEncoder(QTextCodec::IgnoreHeader));
+        const QByteArray bare = encoder->fromUnicode(document.trimmed());
         EXPECT_TRUE(RECORDKIT::LooksLikeXml(bare)) << codecName;
     }
     EXPECT_FALSE(RECORDKIT::LooksLikeXml(QByteArray()));
