@@ -87,9 +87,11 @@ public:
             bool ok = true;
             if (version)
                 ok = value(head, QStringLiteral("string"), recordEnd);
-            else if (!field)
+            else if (!field) {
+                // A record of a newer writer: the reader passes over its payload, and so do we.
                 out(head + QStringLiteral(" (skipped)"));
-            else
+                m_cursor.seek(recordEnd);
+            } else
                 ok = fieldRecord(*info, *field, head, recordEnd, depth);
             if (!ok || cut)
                 return false;
