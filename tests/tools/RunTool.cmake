@@ -2,12 +2,27 @@
 # gives: the exit code, and regular expressions on standard output and error.
 #
 #   cmake -DTOOL=... -DARGS=a|b|c -DRC=0 [-DOUT=regex] [-DERR=regex] [-DNO_OUT=regex]
-#         [-DWORKDIR=dir] -P RunTool.cmake
+#         [-DWORKDIR=dir] [-DCOPY=from|to] -P RunTool.cmake
+#
+# COPY copies a file to the name `to` in WORKDIR first, for names that the
+# source tree should not hold. In ARGS and COPY, <ESC> and <LF> stand for an
+# escape character and a newline.
 cmake_minimum_required(VERSION 3.16)
 
+string(ASCII 27 esc)
+foreach(var ARGS COPY)
+  string(REPLACE "<ESC>" "${esc}" ${var} "${${var}}")
+  string(REPLACE "<LF>" "\n" ${var} "${${var}}")
+endforeach()
 string(REPLACE "|" ";" args "${ARGS}")
 if(NOT WORKDIR)
   set(WORKDIR ${CMAKE_CURRENT_BINARY_DIR})
+endif()
+if(COPY)
+  string(REPLACE "|" ";" copy "${COPY}")
+  list(GET copy 0 from)
+  list(GET copy 1 to)
+  configure_file(${from} "${WORKDIR}/${to}" COPYONLY)
 endif()
 execute_process(COMMAND ${TOOL} ${args}
   WORKING_DIRECTORY ${WORKDIR}

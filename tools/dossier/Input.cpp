@@ -221,13 +221,36 @@ QByteArray formBytes(const Record& record, Form form)
     return QByteArray();
 }
 
+QString escaped(const QString& text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        const ushort code = c.unicode();
+        switch (code) {
+        case '\\': result += QLatin1String("\\\\"); break;
+        case '\n': result += QLatin1String("\\n"); break;
+        case '\r': result += QLatin1String("\\r"); break;
+        case '\t': result += QLatin1String("\\t"); break;
+        default:
+            if (code < 0x20 || (code >= 0x7f && code <= 0x9f))
+                result += QStringLiteral("\\x%1").arg(code, 2, 16, QLatin1Char('0'));
+            else
+                result += c;
+        }
+    }
+    return result;
+}
+
 void error(const QString& text)
 {
-    const QByteArray line = "dossier: " + text.toUtf8() + '\n';
+    const QByteArray line = "dossier: " + escaped(text).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
 }
 
-void out(const QString& text)
+void out(const QString& text) { outText(escaped(text)); }
+
+void outText(const QString& text)
 {
     const QByteArray line = text.toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stdout);

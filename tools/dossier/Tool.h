@@ -56,10 +56,16 @@ Loaded load(const QString& path, const LoadOptions& options);
 // The record in the given form, as bytes. Throws RKException if a writer refuses.
 QByteArray formBytes(const Record& record, Form form);
 
-// One line on standard error: "dossier: <text>".
+// Text for a person, with nothing in it that a terminal would act on: a
+// backslash becomes \\, a newline \n, a carriage return \r, a tab \t, and every
+// other control character (U+0000-U+001F, U+007F-U+009F) \xHH, its code in hex.
+QString escaped(const QString& text);
+// One line on standard error, escaped: "dossier: <text>".
 void error(const QString& text);
-// One line on standard output.
+// One line on standard output, escaped.
 void out(const QString& text);
+// The tool's own text, such as its help, as it stands.
+void outText(const QString& text);
 
 // Parses "--name value" and "--flag" options; the rest are positional.
 struct Arguments {

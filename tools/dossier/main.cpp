@@ -43,10 +43,10 @@ const Command Commands[] = {
 
 void usage()
 {
-    out(QStringLiteral("usage: dossier COMMAND [OPTIONS]\n\ncommands:"));
+    outText(QStringLiteral("usage: dossier COMMAND [OPTIONS]\n\ncommands:"));
     for (const Command& c : Commands)
-        out(QStringLiteral("  %1").arg(QLatin1String(c.usage)));
-    out(QStringLiteral("\n'dossier COMMAND --help' tells more about a command."));
+        outText(QStringLiteral("  %1").arg(QLatin1String(c.usage)));
+    outText(QStringLiteral("\n'dossier COMMAND --help' tells more about a command."));
 }
 
 // Qt's own warnings would break the rule of one line per error: the tool
@@ -69,7 +69,7 @@ int main(int argc, char** argv)
         if (name != QLatin1String(c.name))
             continue;
         if (args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
-            out(QStringLiteral("usage: dossier %1\n\n%2").arg(QLatin1String(c.usage), QLatin1String(c.help)));
+            outText(QStringLiteral("usage: dossier %1\n\n%2").arg(QLatin1String(c.usage), QLatin1String(c.help)));
             return Success;
         }
         try {
