@@ -15,41 +15,89 @@ using namespace EMITTERDOSSIERDOC;
 
 // --- check ---------------------------------------------------------------------------
 
+namespace {
+
+constexpr int DefaultMaxErrors = 100;
+
+// Prints the faults of one file, as many as it may, and counts the rest.
+// The logger keeps no more messages than are left to print.
+class FaultPrinter {
+public:
+    FaultPrinter(const QString& path, int maxErrors) : m_path(path), m_max(maxErrors) {}
+
+    // What the logger may keep of the next messages.
+    int room() const { return m_max == 0 ? CollectingLogger::KeepAll : int(qMax<qint64>(0, m_max - m_shown)); }
+
+    // Prints what the logger kept, under `where` if not empty, and starts it afresh.
+    void take(CollectingLogger& logger, const QString& where)
+    {
+        const QString prefix = where.isEmpty() ? m_path : QStringLiteral("%1: %2").arg(m_path, where);
+        for (const QString& message : logger.kept())
+            out(QStringLiteral("%1: %2").arg(prefix, message));
+        m_shown += logger.kept().size();
+        m_hidden += logger.count() - logger.kept().size();
+        logger.clear();
+        logger.keep(room());
+    }
+
+    bool any() const { return m_shown + m_hidden > 0; }
+
+    void finish() const
+    {
+        if (m_hidden > 0)
+            out(QStringLiteral("%1: %2 more %3 not shown (--max-errors 0 shows all)")
+                    .arg(m_path)
+                    .arg(m_hidden)
+                    .arg(m_hidden == 1 ? QStringLiteral("fault") : QStringLiteral("faults")));
+    }
+
+private:
+    QString m_path;
+    qint64 m_max;
+    qint64 m_shown = 0;
+    qint64 m_hidden = 0;
+};
+
+}  // namespace
+
 int runCheck(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {QStringLiteral("--strict")}, {});
+    const Arguments a = parseArguments(args, {QStringLiteral("--strict")}, {QStringLiteral("--max-errors")});
     if (!a.problem.isEmpty() || a.positional.isEmpty()) {
         error(a.problem.isEmpty() ? QStringLiteral("check needs at least one file") : a.problem);
         return Unreadable;
     }
     LoadOptions options;
     options.validate = a.flags.contains(QStringLiteral("--strict"));
+    int maxErrors = DefaultMaxErrors;
+    if (a.values.contains(QStringLiteral("--max-errors"))) {
+        bool ok = false;
+        maxErrors = a.values.value(QStringLiteral("--max-errors")).toInt(&ok);
+        if (!ok || maxErrors < 0) {
+            error(QStringLiteral("--max-errors takes a count, 0 for all, not '%1'").arg(a.values.value(QStringLiteral("--max-errors"))));
+            return Unreadable;
+        }
+    }
     int result = Success;
     for (const QString& path : a.positional) {
+        FaultPrinter faults(path, maxErrors);
+        options.keepMessages = faults.room();
         Loaded loaded = load(path, options);
         if (!loaded.error.isEmpty()) {
             error(loaded.error);
             result = Unreadable;
             continue;
         }
-        bool faults = false;
         // What reading reported comes first, with no object to name.
-        for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
-            out(QStringLiteral("%1: %2").arg(path, entry.message));
-            faults = true;
-        }
+        faults.take(*loaded.logger, QString());
         // Then each object's own faults, named by where it stands.
         const Record& root = *loaded.record;
         Frame::ForEachChecked(root, [&](const QString& where, const Record& record) {
-            loaded.logger->entries.clear();
             Frame::CheckOwnFields(record, true);
-            const QString name = where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where;
-            for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
-                out(QStringLiteral("%1: %2: %3").arg(path, name, entry.message));
-                faults = true;
-            }
+            faults.take(*loaded.logger, where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where);
         });
-        if (faults && result == Success)
+        faults.finish();
+        if (faults.any() && result == Success)
             result = Differs;
     }
     return result;

@@ -44,13 +44,11 @@ bool looksCompressed(const QByteArray& bytes)
            stated <= (bytes.size() - 4) * MaxCompressionRatio + CompressionSlack;
 }
 
-// The text of the last error a read logged, or a fallback.
-QString loggedError(const CollectingLogger& logger, const QString& fallback)
+// The reason a read failed, as the record logged it.
+QString readError(const QString& path, const CollectingLogger& logger)
 {
-    for (int i = logger.entries.size() - 1; i >= 0; --i)
-        if (logger.entries.at(i).level == RECORDKIT::ERROR)
-            return logger.entries.at(i).message;
-    return fallback;
+    return QStringLiteral("%1: %2").arg(
+        path, logger.lastError().isEmpty() ? QStringLiteral("cannot read") : logger.lastError());
 }
 
 // The first start element of an XML text, or why there is none.
@@ -89,6 +87,21 @@ std::unique_ptr<Record> create(const ClassEntry& entry, const LoadOptions& optio
 
 }  // namespace
 
+void CollectingLogger::Log(RECORDKIT::LogLevel level, const QString& message)
+{
+    ++m_count;
+    if (level == RECORDKIT::ERROR)
+        m_lastError = message;
+    if (m_keep == KeepAll || m_kept.size() < m_keep)
+        m_kept.append(message);
+}
+
+void CollectingLogger::clear()
+{
+    m_kept.clear();
+    m_count = 0;
+}
+
 QString formName(Form form)
 {
     switch (form) {
@@ -115,6 +128,7 @@ Loaded load(const QString& path, const LoadOptions& options)
 {
     Loaded loaded;
     loaded.logger = std::make_shared<CollectingLogger>();
+    loaded.logger->keep(options.keepMessages);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         loaded.error = QStringLiteral("%1: cannot open: %2").arg(path, file.errorString());
@@ -164,7 +178,7 @@ Loaded load(const QString& path, const LoadOptions& options)
         loaded.form = Form::Xml;
         loaded.record = create(*entry, options, loaded.logger);
         if (!loaded.record->LoadXml(path))
-            loaded.error = QStringLiteral("%1: %2").arg(path, loggedError(*loaded.logger, QStringLiteral("cannot read")));
+            loaded.error = readError(path, *loaded.logger);
         return loaded;
     }
 
@@ -186,7 +200,7 @@ Loaded load(const QString& path, const LoadOptions& options)
     }
     loaded.record = create(*entry, options, loaded.logger);
     if (!loaded.record->SetBinaryRepresentation(bytes))
-        loaded.error = QStringLiteral("%1: %2").arg(path, loggedError(*loaded.logger, QStringLiteral("cannot read")));
+        loaded.error = readError(path, *loaded.logger);
     return loaded;
 }
 

@@ -25,21 +25,37 @@ enum class Form { Xml, Tagged, Compressed, Raw };
 QString formName(Form form);
 bool parseForm(const QString& name, Form& form);
 
-// Keeps what a record logs, for the tool to print in its own words.
+// Keeps what a record logs, for the tool to print in its own words. A list of
+// two million faulty items logs two million messages, so it keeps no more than
+// it is told to and counts the rest; the last error is kept apart, for the
+// reason a read failed.
 class CollectingLogger : public RECORDKIT::Logger {
 public:
-    struct Entry {
-        RECORDKIT::LogLevel level;
-        QString message;
-    };
-    void Log(RECORDKIT::LogLevel level, const QString& message) override { entries.append({level, message}); }
-    QVector<Entry> entries;
+    static constexpr int KeepAll = -1;
+
+    void Log(RECORDKIT::LogLevel level, const QString& message) override;
+
+    // How many more messages to keep: KeepAll, or 0 for none.
+    void keep(int count) { m_keep = count; }
+    // Forgets the kept messages and the count, not the last error.
+    void clear();
+    const QStringList& kept() const { return m_kept; }
+    // Every message logged since the last clear, kept or not.
+    qint64 count() const { return m_count; }
+    const QString& lastError() const { return m_lastError; }
+
+private:
+    int m_keep = 0;
+    QStringList m_kept;
+    qint64 m_count = 0;
+    QString m_lastError;
 };
 
 struct LoadOptions {
     bool validate = false;   // read with the validate flag on
     bool raw = false;        // the input is the raw form, of the class `className`
     QString className;
+    int keepMessages = 0;    // what the logger keeps of reading (see CollectingLogger::keep)
 };
 
 struct Loaded {

@@ -17,11 +17,12 @@ struct Command {
 };
 
 const Command Commands[] = {
-    {"check", runCheck, "check [--strict] FILE...",
-     "Reads each file and prints every fault of its record as FILE: PATH: message, PATH naming\n"
-     "the object below the record that reported it. --strict reads with the validate flag on,\n"
-     "so that the first fault stops the reading. Exit 0 if all are clean, 1 if any record has\n"
-     "faults, 2 if a file cannot be read."},
+    {"check", runCheck, "check [--strict] [--max-errors N] FILE...",
+     "Reads each file and prints its faults as FILE: PATH: message, PATH naming the object below\n"
+     "the record that reported it: the first 100 of each file (--max-errors N, 0 for all), then\n"
+     "FILE: N more faults not shown (--max-errors 0 shows all). --strict reads with the validate\n"
+     "flag on, so that the first fault stops the reading. Exit 0 if all are clean, 1 if any\n"
+     "record has faults, 2 if a file cannot be read."},
     {"convert", runConvert, "convert FILE --to xml|tagged|compressed|raw [-o OUT] [--from raw --class NAME]",
      "Writes the record of FILE in another form, to OUT or to standard output (binary forms\n"
      "not to a terminal). XML, tagged and compressed input is recognised; the raw form has\n"
