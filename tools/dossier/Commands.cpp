@@ -62,19 +62,23 @@ private:
 
 int runCheck(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {QStringLiteral("--strict")}, {QStringLiteral("--max-errors")});
+    const Arguments a =
+        parseArguments(args, {QStringLiteral("--strict")}, readOptions() + QStringList{QStringLiteral("--max-errors")});
     if (!a.problem.isEmpty() || a.positional.isEmpty()) {
         error(a.problem.isEmpty() ? QStringLiteral("check needs at least one file") : a.problem);
         return Unreadable;
     }
     LoadOptions options;
+    if (!takeReadOptions(a, options))
+        return Unreadable;
     options.validate = a.flags.contains(QStringLiteral("--strict"));
     int maxErrors = DefaultMaxErrors;
     if (a.values.contains(QStringLiteral("--max-errors"))) {
+        const QString value = a.values.value(QStringLiteral("--max-errors"));
         bool ok = false;
-        maxErrors = a.values.value(QStringLiteral("--max-errors")).toInt(&ok);
+        maxErrors = value.toInt(&ok);
         if (!ok || maxErrors < 0) {
-            error(QStringLiteral("--max-errors takes a count, 0 for all, not '%1'").arg(a.values.value(QStringLiteral("--max-errors"))));
+            error(QStringLiteral("--max-errors takes a count, 0 for all, not '%1'").arg(value));
             return Unreadable;
         }
     }
@@ -107,8 +111,8 @@ int runCheck(const QStringList& args)
 
 int runConvert(const QStringList& args)
 {
-    const Arguments a = parseArguments(
-        args, {}, {QStringLiteral("--to"), QStringLiteral("-o"), QStringLiteral("--from"), QStringLiteral("--class")});
+    const Arguments a =
+        parseArguments(args, {}, readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
     if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
         error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw")
                                   : a.problem);
@@ -120,18 +124,8 @@ int runConvert(const QStringList& args)
         return Unreadable;
     }
     LoadOptions options;
-    if (a.values.contains(QStringLiteral("--from"))) {
-        if (a.values.value(QStringLiteral("--from")) != QLatin1String("raw")) {
-            error(QStringLiteral("--from takes only raw: the other forms are recognised by themselves"));
-            return Unreadable;
-        }
-        if (!a.values.contains(QStringLiteral("--class"))) {
-            error(QStringLiteral("--from raw needs --class NAME"));
-            return Unreadable;
-        }
-        options.raw = true;
-        options.className = a.values.value(QStringLiteral("--class"));
-    }
+    if (!takeReadOptions(a, options))
+        return Unreadable;
     const QString target = a.values.value(QStringLiteral("-o"));
     if (target.isEmpty() && to != Form::Xml && isatty(STDOUT_FILENO)) {
         error(QStringLiteral("will not write the %1 form to a terminal; use -o FILE or a pipe").arg(formName(to)));

@@ -237,15 +237,14 @@ void diffRecords(const Record& a, const Record& b, const QString& path, int& dif
 
 int runShow(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {QStringLiteral("--all")},
-                                       {QStringLiteral("--from"), QStringLiteral("--class")});
+    const Arguments a = parseArguments(args, {QStringLiteral("--all")}, readOptions());
     if (!a.problem.isEmpty() || a.positional.size() != 1) {
         error(a.problem.isEmpty() ? QStringLiteral("show needs one file") : a.problem);
         return Unreadable;
     }
     LoadOptions options;
-    options.raw = a.values.value(QStringLiteral("--from")) == QLatin1String("raw");
-    options.className = a.values.value(QStringLiteral("--class"));
+    if (!takeReadOptions(a, options))
+        return Unreadable;
     Loaded loaded = load(a.positional.first(), options);
     if (!loaded.error.isEmpty()) {
         error(loaded.error);
@@ -266,17 +265,21 @@ int runShow(const QStringList& args)
 
 int runDiff(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {}, {});
+    const Arguments a = parseArguments(args, {}, readOptions());
     if (!a.problem.isEmpty() || a.positional.size() != 2) {
         error(a.problem.isEmpty() ? QStringLiteral("diff needs two files") : a.problem);
         return Unreadable;
     }
-    Loaded left = load(a.positional.at(0), LoadOptions());
+    // --from raw --class NAME holds for both files.
+    LoadOptions options;
+    if (!takeReadOptions(a, options))
+        return Unreadable;
+    Loaded left = load(a.positional.at(0), options);
     if (!left.error.isEmpty()) {
         error(left.error);
         return Unreadable;
     }
-    Loaded right = load(a.positional.at(1), LoadOptions());
+    Loaded right = load(a.positional.at(1), options);
     if (!right.error.isEmpty()) {
         error(right.error);
         return Unreadable;

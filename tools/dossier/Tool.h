@@ -52,10 +52,9 @@ private:
 };
 
 struct LoadOptions {
-    bool validate = false;   // read with the validate flag on
-    bool raw = false;        // the input is the raw form, of the class `className`
-    QString className;
-    int keepMessages = 0;    // what the logger keeps of reading (see CollectingLogger::keep)
+    bool validate = false;                 // read with the validate flag on
+    const ClassEntry* rawClass = nullptr;  // the input is the raw form of this class
+    int keepMessages = 0;                  // what the logger keeps of reading (see CollectingLogger::keep)
 };
 
 struct Loaded {
@@ -64,6 +63,16 @@ struct Loaded {
     std::shared_ptr<CollectingLogger> logger;  // what reading logged, and what comes after
     QString error;                             // why the file could not be read; empty on success
 };
+
+// The whole of a file, which may be a pipe or a FIFO, read once. A file of
+// more than the size limit (--max-size) is refused before it is read whole.
+bool readInput(const QString& path, QByteArray& bytes, QString& problem);
+
+// The class of the tagged form in `bytes`, plain or compressed; a compressed
+// form is replaced by the tagged form it unpacks to, and `form` tells which it
+// was. Null when the bytes are neither, with `problem` set when they are a
+// compressed form that cannot be unpacked.
+const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem);
 
 // Reads a file in the form it holds: XML by its first start element, tagged
 // and compressed by the outer block with a known class id, raw only on request.
@@ -91,6 +100,16 @@ struct Arguments {
     QString problem;  // an unknown option or a missing value
 };
 Arguments parseArguments(const QStringList& args, const QStringList& flags, const QStringList& valueOptions);
+
+// The value options of every command that reads records: --max-size BYTES,
+// and --from raw --class NAME for the raw form, which has no marker.
+const QStringList& readOptions();
+// --max-size BYTES: the largest file read and the most a compressed form may
+// unpack to, for the whole run. False, with the error printed, on a bad value.
+bool takeMaxSize(const Arguments& a);
+// takeMaxSize and --from raw --class NAME into `options`. False, with the
+// error printed, on a wrong call.
+bool takeReadOptions(const Arguments& a, LoadOptions& options);
 
 // The class of a child or list field, from a default object of its owner.
 const EMITTERDOSSIERDOC::Frame::ClassInfo& childClass(const EMITTERDOSSIERDOC::Frame::ClassInfo& owner,
