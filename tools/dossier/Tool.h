@@ -9,7 +9,6 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
