@@ -2,14 +2,39 @@
 # gives: the exit code, and regular expressions on standard output and error.
 #
 #   cmake -DTOOL=... -DARGS=a|b|c -DRC=0 [-DOUT=regex] [-DERR=regex] [-DNO_OUT=regex]
-#         [-DWORKDIR=dir] -P RunTool.cmake
+#         [-DWORKDIR=dir] [-DCOPY=from|to] [-DSTDIN=file] -P RunTool.cmake
+#
+# COPY copies a file to the name `to` in WORKDIR first, for names that the
+# source tree should not hold. STDIN sends a file to the tool's standard input
+# through a pipe. In ARGS and COPY, <ESC> and <LF> stand for an escape
+# character and a newline.
 cmake_minimum_required(VERSION 3.16)
 
+string(ASCII 27 esc)
+foreach(var ARGS COPY)
+  string(REPLACE "<ESC>" "${esc}" ${var} "${${var}}")
+  string(REPLACE "<LF>" "\n" ${var} "${${var}}")
+endforeach()
 string(REPLACE "|" ";" args "${ARGS}")
 if(NOT WORKDIR)
   set(WORKDIR ${CMAKE_CURRENT_BINARY_DIR})
 endif()
-execute_process(COMMAND ${TOOL} ${args}
+if(COPY)
+  string(REPLACE "|" ";" copy "${COPY}")
+  list(GET copy 0 from)
+  list(GET copy 1 to)
+  configure_file(${from} "${WORKDIR}/${to}" COPYONLY)
+endif()
+set(writer)
+if(STDIN)
+  # A pipe, not the file itself: the tool must not need to open its input twice.
+  if(CMAKE_VERSION VERSION_LESS 3.18)
+    set(writer COMMAND cat ${STDIN})
+  else()
+    set(writer COMMAND ${CMAKE_COMMAND} -E cat ${STDIN})
+  endif()
+endif()
+execute_process(${writer} COMMAND ${TOOL} ${args}
   WORKING_DIRECTORY ${WORKDIR}
   RESULT_VARIABLE rc
   OUTPUT_VARIABLE out

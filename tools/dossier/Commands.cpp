@@ -15,41 +15,93 @@ using namespace EMITTERDOSSIERDOC;
 
 // --- check ---------------------------------------------------------------------------
 
+namespace {
+
+constexpr int DefaultMaxErrors = 100;
+
+// Prints the faults of one file, as many as it may, and counts the rest.
+// The logger keeps no more messages than are left to print.
+class FaultPrinter {
+public:
+    FaultPrinter(const QString& path, int maxErrors) : m_path(path), m_max(maxErrors) {}
+
+    // What the logger may keep of the next messages.
+    int room() const { return m_max == 0 ? CollectingLogger::KeepAll : int(qMax<qint64>(0, m_max - m_shown)); }
+
+    // Prints what the logger kept, under `where` if not empty, and starts it afresh.
+    void take(CollectingLogger& logger, const QString& where)
+    {
+        const QString prefix = where.isEmpty() ? m_path : QStringLiteral("%1: %2").arg(m_path, where);
+        for (const QString& message : logger.kept())
+            out(QStringLiteral("%1: %2").arg(prefix, message));
+        m_shown += logger.kept().size();
+        m_hidden += logger.count() - logger.kept().size();
+        logger.clear();
+        logger.keep(room());
+    }
+
+    bool any() const { return m_shown + m_hidden > 0; }
+
+    void finish() const
+    {
+        if (m_hidden > 0)
+            out(QStringLiteral("%1: %2 more %3 not shown (--max-errors 0 shows all)")
+                    .arg(m_path)
+                    .arg(m_hidden)
+                    .arg(m_hidden == 1 ? QStringLiteral("fault") : QStringLiteral("faults")));
+    }
+
+private:
+    QString m_path;
+    qint64 m_max;
+    qint64 m_shown = 0;
+    qint64 m_hidden = 0;
+};
+
+}  // namespace
+
 int runCheck(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {QStringLiteral("--strict")}, {});
+    const Arguments a =
+        parseArguments(args, {QStringLiteral("--strict")}, readOptions() + QStringList{QStringLiteral("--max-errors")});
     if (!a.problem.isEmpty() || a.positional.isEmpty()) {
         error(a.problem.isEmpty() ? QStringLiteral("check needs at least one file") : a.problem);
         return Unreadable;
     }
     LoadOptions options;
+    if (!takeReadOptions(a, options))
+        return Unreadable;
     options.validate = a.flags.contains(QStringLiteral("--strict"));
+    int maxErrors = DefaultMaxErrors;
+    if (a.values.contains(QStringLiteral("--max-errors"))) {
+        const QString value = a.values.value(QStringLiteral("--max-errors"));
+        bool ok = false;
+        maxErrors = value.toInt(&ok);
+        if (!ok || maxErrors < 0) {
+            error(QStringLiteral("--max-errors takes a count, 0 for all, not '%1'").arg(value));
+            return Unreadable;
+        }
+    }
     int result = Success;
     for (const QString& path : a.positional) {
+        FaultPrinter faults(path, maxErrors);
+        options.keepMessages = faults.room();
         Loaded loaded = load(path, options);
         if (!loaded.error.isEmpty()) {
             error(loaded.error);
             result = Unreadable;
             continue;
         }
-        bool faults = false;
         // What reading reported comes first, with no object to name.
-        for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
-            out(QStringLiteral("%1: %2").arg(path, entry.message));
-            faults = true;
-        }
+        faults.take(*loaded.logger, QString());
         // Then each object's own faults, named by where it stands.
         const Record& root = *loaded.record;
         Frame::ForEachChecked(root, [&](const QString& where, const Record& record) {
-            loaded.logger->entries.clear();
             Frame::CheckOwnFields(record, true);
-            const QString name = where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where;
-            for (const CollectingLogger::Entry& entry : loaded.logger->entries) {
-                out(QStringLiteral("%1: %2: %3").arg(path, name, entry.message));
-                faults = true;
-            }
+            faults.take(*loaded.logger, where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where);
         });
-        if (faults && result == Success)
+        faults.finish();
+        if (faults.any() && result == Success)
             result = Differs;
     }
     return result;
@@ -59,8 +111,8 @@ int runCheck(const QStringList& args)
 
 int runConvert(const QStringList& args)
 {
-    const Arguments a = parseArguments(
-        args, {}, {QStringLiteral("--to"), QStringLiteral("-o"), QStringLiteral("--from"), QStringLiteral("--class")});
+    const Arguments a =
+        parseArguments(args, {}, readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
     if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
         error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw")
                                   : a.problem);
@@ -72,18 +124,8 @@ int runConvert(const QStringList& args)
         return Unreadable;
     }
     LoadOptions options;
-    if (a.values.contains(QStringLiteral("--from"))) {
-        if (a.values.value(QStringLiteral("--from")) != QLatin1String("raw")) {
-            error(QStringLiteral("--from takes only raw: the other forms are recognised by themselves"));
-            return Unreadable;
-        }
-        if (!a.values.contains(QStringLiteral("--class"))) {
-            error(QStringLiteral("--from raw needs --class NAME"));
-            return Unreadable;
-        }
-        options.raw = true;
-        options.className = a.values.value(QStringLiteral("--class"));
-    }
+    if (!takeReadOptions(a, options))
+        return Unreadable;
     const QString target = a.values.value(QStringLiteral("-o"));
     if (target.isEmpty() && to != Form::Xml && isatty(STDOUT_FILENO)) {
         error(QStringLiteral("will not write the %1 form to a terminal; use -o FILE or a pipe").arg(formName(to)));

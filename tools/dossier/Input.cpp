@@ -4,6 +4,7 @@
 #include "Tool.h"
 
 #include <cstdio>
+#include <limits>
 
 #include <unistd.h>
 
@@ -21,61 +22,55 @@ using namespace EMITTERDOSSIERDOC;
 namespace {
 
 constexpr qint64 ProgressThreshold = 50 * 1024 * 1024;
-// What qCompress can reach at best, with room for a tiny input: a stated size
-// beyond this is no compressed record.
-constexpr qint64 MaxCompressionRatio = 1032;
-constexpr qint64 CompressionSlack = 1024;
+constexpr qint64 ReadChunk = 1024 * 1024;
+// About the most one QByteArray holds, whatever --max-size allows.
+constexpr qint64 MaxHeldBytes = std::numeric_limits<int>::max() - 64;
 
-quint32 firstWord(const QByteArray& bytes) { return qFromBigEndian<quint32>(bytes.constData()); }
+// Finds the first start element of an XML document through the library's own
+// reading, so that the document meets the decoding and the guards that its
+// record will meet: a start tag with thousands of attributes costs Qt's reader
+// their count squared, and the library stops it before the reader sees it.
+class RootElementProbe : public RECORDKIT::IRKObject {
+public:
+    RootElementProbe() { SetObjectName(QStringLiteral("XML document")); }
+
+    // The name of the first start element, or empty with `problem` set.
+    QString find(const QByteArray& bytes, QString& problem)
+    {
+        const auto logger = std::make_shared<CollectingLogger>();
+        SetLogger(logger);
+        m_name.clear();
+        SetXmlBytes(bytes);
+        if (m_name.isEmpty())
+            problem = logger->lastError();
+        return m_name;
+    }
+
+    void ProcessXml(QXmlStreamReader& reader) override
+    {
+        m_name = reader.name().toString();
+        // The name is all the probe needs: stop the reading here rather than
+        // parse the rest of the document, which its record reads next.
+        throw RKException(QStringLiteral("found the first element"));
+    }
+
+    // Nothing else of a record is asked of the probe.
+    bool HasData() const override { return false; }
+    void Reset() override {}
+    void Check(bool) const override {}
+    void Check() const override {}
+    void GetXml(QXmlStreamWriter&) const override {}
+    bool GetBinary(QDataStream&, int, bool) const override { return false; }
+    void SetBinary(QDataStream&, int) override {}
+    void SetObjectType(RECORDKIT::ObjectTypes) override {}
+
+private:
+    QString m_name;
+};
 
 const ClassEntry* classOfBlock(const QByteArray& bytes)
 {
-    return bytes.size() >= 8 ? Frame::FindClass(qint64(firstWord(bytes))) : nullptr;
-}
-
-bool looksCompressed(const QByteArray& bytes)
-{
-    if (bytes.size() < 6)
-        return false;
-    // A zlib stream starts with a deflate header whose check bits make it a multiple of 31.
-    const uchar cmf = uchar(bytes.at(4)), flg = uchar(bytes.at(5));
-    const qint64 stated = firstWord(bytes);
-    return (cmf & 0x0f) == 8 && (cmf * 256 + flg) % 31 == 0 &&
-           stated <= (bytes.size() - 4) * MaxCompressionRatio + CompressionSlack;
-}
-
-// The text of the last error a read logged, or a fallback.
-QString loggedError(const CollectingLogger& logger, const QString& fallback)
-{
-    for (int i = logger.entries.size() - 1; i >= 0; --i)
-        if (logger.entries.at(i).level == RECORDKIT::ERROR)
-            return logger.entries.at(i).message;
-    return fallback;
-}
-
-// The first start element of an XML text, or why there is none.
-bool topElement(const QByteArray& bytes, QString& name, QString& problem)
-{
-    QXmlStreamReader reader(bytes);
-    while (!reader.atEnd()) {
-        if (reader.readNext() == QXmlStreamReader::StartElement) {
-            name = reader.name().toString();
-            return true;
-        }
-    }
-    problem = QStringLiteral("XML error at line %1, column %2: %3")
-                  .arg(reader.lineNumber())
-                  .arg(reader.columnNumber())
-                  .arg(reader.hasError() ? reader.errorString() : QStringLiteral("no element"));
-    return false;
-}
-
-bool startsLikeXml(const QByteArray& bytes)
-{
-    int i = bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    while (i < bytes.size() && (bytes.at(i) == ' ' || bytes.at(i) == '\t' || bytes.at(i) == '\r' || bytes.at(i) == '\n'))
-        ++i;
-    return i < bytes.size() && bytes.at(i) == '<';
+    return bytes.size() >= 4 ? Frame::FindClass(qint64(qFromBigEndian<quint32>(bytes.constData()))) : nullptr;
 }
 
 std::unique_ptr<Record> create(const ClassEntry& entry, const LoadOptions& options,
@@ -87,7 +82,97 @@ std::unique_ptr<Record> create(const ClassEntry& entry, const LoadOptions& optio
     return record;
 }
 
+// The reason a read failed, as the record logged it.
+QString readError(const QString& path, const CollectingLogger& logger)
+{
+    return QStringLiteral("%1: %2").arg(
+        path, logger.lastError().isEmpty() ? QStringLiteral("cannot read") : logger.lastError());
+}
+
+// What follows a record that a stream read, as the same error for every form.
+QString trailingBytes(const QString& path, const QDataStream& stream, const QString& what)
+{
+    const QIODevice* device = stream.device();
+    return QStringLiteral("%1: %2 bytes follow %3").arg(path).arg(device->size() - device->pos()).arg(what);
+}
+
+void loadRaw(const QString& path, const QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
+{
+    const QString className = QLatin1String(options.rawClass->info().name);
+    loaded.form = Form::Raw;
+    loaded.record = create(*options.rawClass, options, loaded.logger);
+    QDataStream stream(bytes);
+    try {
+        loaded.record->SetVersionSpecificBinaryWithoutValidation(stream);
+    } catch (const RKException& e) {
+        loaded.error = QStringLiteral("%1: %2").arg(path, e.GetMessage());
+        return;
+    }
+    if (stream.status() != QDataStream::Ok)
+        loaded.error = QStringLiteral("%1: the raw form of %2 ends before the record does").arg(path, className);
+    else if (!stream.atEnd())
+        loaded.error = trailingBytes(path, stream, QStringLiteral("the raw form of %1").arg(className));
+}
+
+void loadXml(const QString& path, const QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
+{
+    QString problem;
+    const QString name = RootElementProbe().find(bytes, problem);
+    if (name.isEmpty()) {
+        loaded.error = QStringLiteral("%1: %2").arg(path, problem);
+        return;
+    }
+    const ClassEntry* entry = Frame::FindClass(name);
+    if (!entry) {
+        loaded.error = QStringLiteral("%1: no schema class has the element '%2'").arg(path, name);
+        return;
+    }
+    loaded.form = Form::Xml;
+    loaded.record = create(*entry, options, loaded.logger);
+    if (!loaded.record->SetXmlBytes(bytes))
+        loaded.error = readError(path, *loaded.logger);
+}
+
+void loadTagged(const QString& path, QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
+{
+    QString problem;
+    const ClassEntry* entry = findTagged(bytes, loaded.form, problem);
+    if (!entry) {
+        loaded.error = !problem.isEmpty()
+                           ? QStringLiteral("%1: %2").arg(path, problem)
+                           : QStringLiteral("%1: neither XML nor a tagged or compressed record of a known class "
+                                            "(a raw record needs --from raw --class NAME)")
+                                 .arg(path);
+        return;
+    }
+    loaded.record = create(*entry, options, loaded.logger);
+    QDataStream stream(bytes);
+    if (!loaded.record->SetBinaryRepresentation(stream))
+        loaded.error = readError(path, *loaded.logger);
+    else if (!stream.atEnd()) {
+        QString what = QStringLiteral("the tagged form of %1").arg(QLatin1String(entry->info().name));
+        if (loaded.form == Form::Compressed)
+            what += QStringLiteral(" in the compressed form");
+        loaded.error = trailingBytes(path, stream, what);
+    }
+}
+
 }  // namespace
+
+void CollectingLogger::Log(RECORDKIT::LogLevel level, const QString& message)
+{
+    ++m_count;
+    if (level == RECORDKIT::ERROR)
+        m_lastError = message;
+    if (m_keep == KeepAll || m_kept.size() < m_keep)
+        m_kept.append(message);
+}
+
+void CollectingLogger::clear()
+{
+    m_kept.clear();
+    m_count = 0;
+}
 
 QString formName(Form form)
 {
@@ -111,82 +196,78 @@ bool parseForm(const QString& name, Form& form)
     return false;
 }
 
+bool readInput(const QString& path, QByteArray& bytes, QString& problem)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        problem = QStringLiteral("%1: cannot open: %2").arg(path, file.errorString());
+        return false;
+    }
+    const qint64 limit = qMin(RECORDKIT::MaxUnpackedSize(), MaxHeldBytes);
+    // `size` is known for a file, not for a pipe.
+    auto tooLarge = [&](const QString& size) {
+        problem = QStringLiteral("%1: %2more than the limit of %3 bytes (--max-size BYTES sets it)")
+                      .arg(path, size)
+                      .arg(limit);
+        return false;
+    };
+    // A pipe or a FIFO has no size: it is read in pieces up to the limit.
+    const qint64 size = file.isSequential() ? 0 : file.size();
+    if (size > limit)
+        return tooLarge(QStringLiteral("%1 bytes, ").arg(size));
+    if (size > ProgressThreshold && isatty(STDERR_FILENO))
+        error(QStringLiteral("reading %1 (%2 MB)").arg(path).arg(size / (1024 * 1024)));
+    bytes.clear();
+    bytes.reserve(int(size));
+    for (;;) {
+        const QByteArray piece = file.read(qMin(ReadChunk, limit - bytes.size() + 1));
+        if (piece.isEmpty())
+            break;
+        if (bytes.size() + piece.size() > limit)
+            return tooLarge(QString());
+        bytes += piece;
+    }
+    if (file.error() != QFileDevice::NoError) {
+        problem = QStringLiteral("%1: cannot read: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem)
+{
+    form = Form::Tagged;
+    if (const ClassEntry* entry = classOfBlock(bytes))
+        return entry;
+    if (!RECORDKIT::LooksCompressed(bytes))
+        return nullptr;
+    QByteArray plain;
+    if (!RECORDKIT::Uncompress(bytes, plain, problem))
+        return nullptr;
+    const ClassEntry* entry = classOfBlock(plain);
+    if (!entry) {
+        problem = QStringLiteral("the compressed form holds no record of a known class");
+        return nullptr;
+    }
+    form = Form::Compressed;
+    bytes = plain;
+    return entry;
+}
+
 Loaded load(const QString& path, const LoadOptions& options)
 {
     Loaded loaded;
     loaded.logger = std::make_shared<CollectingLogger>();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        loaded.error = QStringLiteral("%1: cannot open: %2").arg(path, file.errorString());
+    loaded.logger->keep(options.keepMessages);
+    QByteArray bytes;
+    if (!readInput(path, bytes, loaded.error))
         return loaded;
-    }
-    if (file.size() > ProgressThreshold && isatty(STDERR_FILENO))
-        std::fprintf(stderr, "dossier: reading %s (%lld MB)\n", qPrintable(path), file.size() / (1024 * 1024));
-    QByteArray bytes = file.readAll();
-    file.close();
-
-    if (options.raw) {
-        const ClassEntry* entry = Frame::FindClass(options.className);
-        if (!entry) {
-            loaded.error = QStringLiteral("unknown class '%1'").arg(options.className);
-            return loaded;
-        }
-        loaded.form = Form::Raw;
-        loaded.record = create(*entry, options, loaded.logger);
-        QDataStream stream(bytes);
-        try {
-            loaded.record->SetVersionSpecificBinaryWithoutValidation(stream);
-        } catch (const RKException& e) {
-            loaded.error = QStringLiteral("%1: %2").arg(path, e.GetMessage());
-            return loaded;
-        }
-        if (stream.status() != QDataStream::Ok)
-            loaded.error = QStringLiteral("%1: the raw form of %2 ends before the record does").arg(path, options.className);
-        else if (!stream.atEnd())
-            loaded.error = QStringLiteral("%1: %2 bytes follow the raw form of %3")
-                               .arg(path)
-                               .arg(bytes.size() - stream.device()->pos())
-                               .arg(options.className);
-        return loaded;
-    }
-
-    if (startsLikeXml(bytes)) {
-        QString name, problem;
-        if (!topElement(bytes, name, problem)) {
-            loaded.error = QStringLiteral("%1: %2").arg(path, problem);
-            return loaded;
-        }
-        const ClassEntry* entry = Frame::FindClass(name);
-        if (!entry) {
-            loaded.error = QStringLiteral("%1: no schema class has the element '%2'").arg(path, name);
-            return loaded;
-        }
-        loaded.form = Form::Xml;
-        loaded.record = create(*entry, options, loaded.logger);
-        if (!loaded.record->LoadXml(path))
-            loaded.error = QStringLiteral("%1: %2").arg(path, loggedError(*loaded.logger, QStringLiteral("cannot read")));
-        return loaded;
-    }
-
-    const ClassEntry* entry = classOfBlock(bytes);
-    loaded.form = Form::Tagged;
-    if (!entry && looksCompressed(bytes)) {
-        const QByteArray plain = qUncompress(bytes);
-        entry = classOfBlock(plain);
-        if (entry) {
-            loaded.form = Form::Compressed;
-            bytes = plain;
-        }
-    }
-    if (!entry) {
-        loaded.error = QStringLiteral("%1: neither XML nor a tagged or compressed record of a known class "
-                                      "(a raw record needs --from raw --class NAME)")
-                           .arg(path);
-        return loaded;
-    }
-    loaded.record = create(*entry, options, loaded.logger);
-    if (!loaded.record->SetBinaryRepresentation(bytes))
-        loaded.error = QStringLiteral("%1: %2").arg(path, loggedError(*loaded.logger, QStringLiteral("cannot read")));
+    if (options.rawClass)
+        loadRaw(path, bytes, loaded, options);
+    else if (RECORDKIT::LooksLikeXml(bytes))
+        loadXml(path, bytes, loaded, options);
+    else
+        loadTagged(path, bytes, loaded, options);
     return loaded;
 }
 
@@ -221,13 +302,36 @@ QByteArray formBytes(const Record& record, Form form)
     return QByteArray();
 }
 
+QString escaped(const QString& text)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        const ushort code = c.unicode();
+        switch (code) {
+        case '\\': result += QLatin1String("\\\\"); break;
+        case '\n': result += QLatin1String("\\n"); break;
+        case '\r': result += QLatin1String("\\r"); break;
+        case '\t': result += QLatin1String("\\t"); break;
+        default:
+            if (code < 0x20 || (code >= 0x7f && code <= 0x9f))
+                result += QStringLiteral("\\x%1").arg(code, 2, 16, QLatin1Char('0'));
+            else
+                result += c;
+        }
+    }
+    return result;
+}
+
 void error(const QString& text)
 {
-    const QByteArray line = "dossier: " + text.toUtf8() + '\n';
+    const QByteArray line = "dossier: " + escaped(text).toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
 }
 
-void out(const QString& text)
+void out(const QString& text) { outText(escaped(text)); }
+
+void outText(const QString& text)
 {
     const QByteArray line = text.toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
@@ -254,6 +358,56 @@ Arguments parseArguments(const QStringList& args, const QStringList& flags, cons
         }
     }
     return parsed;
+}
+
+const QStringList& readOptions()
+{
+    static const QStringList options = {QStringLiteral("--max-size"), QStringLiteral("--from"),
+                                        QStringLiteral("--class")};
+    return options;
+}
+
+bool takeMaxSize(const Arguments& a)
+{
+    if (!a.values.contains(QStringLiteral("--max-size")))
+        return true;
+    const QString value = a.values.value(QStringLiteral("--max-size"));
+    bool ok = false;
+    const qint64 bytes = value.toLongLong(&ok);
+    if (!ok || bytes <= 0) {
+        error(QStringLiteral("--max-size takes a number of bytes above 0, not '%1'").arg(value));
+        return false;
+    }
+    RECORDKIT::SetMaxUnpackedSize(bytes);
+    return true;
+}
+
+bool takeReadOptions(const Arguments& a, LoadOptions& options)
+{
+    if (!takeMaxSize(a))
+        return false;
+    const bool from = a.values.contains(QStringLiteral("--from"));
+    const bool named = a.values.contains(QStringLiteral("--class"));
+    if (!from && !named)
+        return true;
+    if (!from) {
+        error(QStringLiteral("--class names the class of a raw record and needs --from raw"));
+        return false;
+    }
+    if (a.values.value(QStringLiteral("--from")) != QLatin1String("raw")) {
+        error(QStringLiteral("--from takes only raw: the other forms are recognised by themselves"));
+        return false;
+    }
+    if (!named) {
+        error(QStringLiteral("--from raw needs --class NAME"));
+        return false;
+    }
+    options.rawClass = Frame::FindClass(a.values.value(QStringLiteral("--class")));
+    if (!options.rawClass) {
+        error(QStringLiteral("unknown class '%1'").arg(a.values.value(QStringLiteral("--class"))));
+        return false;
+    }
+    return true;
 }
 
 const Frame::ClassInfo& childClass(const Frame::ClassInfo& owner, const Frame::FieldInfo& field)

@@ -3,7 +3,6 @@
 
 #include "Tool.h"
 
-#include <QFile>
 #include <QtEndian>
 
 namespace dossier_tool {
@@ -87,9 +86,11 @@ public:
             bool ok = true;
             if (version)
                 ok = value(head, QStringLiteral("string"), recordEnd);
-            else if (!field)
+            else if (!field) {
+                // A record of a newer writer: the reader passes over its payload, and so do we.
                 out(head + QStringLiteral(" (skipped)"));
-            else
+                m_cursor.seek(recordEnd);
+            } else
                 ok = fieldRecord(*info, *field, head, recordEnd, depth);
             if (!ok || cut)
                 return false;
@@ -235,31 +236,31 @@ private:
 
 int runInspect(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {}, {});
+    const Arguments a = parseArguments(args, {}, {QStringLiteral("--max-size")});
     if (!a.problem.isEmpty() || a.positional.size() != 1) {
         error(a.problem.isEmpty() ? QStringLiteral("inspect needs one file") : a.problem);
         return Unreadable;
     }
+    if (!takeMaxSize(a))
+        return Unreadable;
     const QString path = a.positional.first();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error(QStringLiteral("%1: cannot open: %2").arg(path, file.errorString()));
+    QByteArray bytes;
+    QString problem;
+    if (!readInput(path, bytes, problem)) {
+        error(problem);
         return Unreadable;
     }
-    QByteArray bytes = file.readAll();
-    const ClassEntry* entry = bytes.size() >= 4 ? Frame::FindClass(qint64(qFromBigEndian<quint32>(bytes.constData()))) : nullptr;
-    if (!entry && bytes.size() > 4) {
-        // The compressed form: qCompress around the tagged one.
-        const QByteArray plain = qUncompress(bytes);
-        if (plain.size() >= 4 && (entry = Frame::FindClass(qint64(qFromBigEndian<quint32>(plain.constData()))))) {
-            out(QStringLiteral("compressed form, %1 bytes, %2 bytes unpacked").arg(bytes.size()).arg(plain.size()));
-            bytes = plain;
-        }
-    }
+    const int packedSize = bytes.size();
+    Form form;
+    const ClassEntry* entry = findTagged(bytes, form, problem);
     if (!entry) {
-        error(QStringLiteral("%1: not a tagged or compressed record of a known class").arg(path));
+        if (problem.isEmpty())
+            problem = QStringLiteral("not a tagged or compressed record of a known class");
+        error(QStringLiteral("%1: %2").arg(path, problem));
         return Unreadable;
     }
+    if (form == Form::Compressed)
+        out(QStringLiteral("compressed form, %1 bytes, %2 bytes unpacked").arg(packedSize).arg(bytes.size()));
     Cursor header(bytes);
     qint32 id = 0, length = 0;
     if (!header.word(id, bytes.size()) || !header.word(length, bytes.size())) {

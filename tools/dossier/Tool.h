@@ -9,7 +9,6 @@
 #include <QHash>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
@@ -25,21 +24,36 @@ enum class Form { Xml, Tagged, Compressed, Raw };
 QString formName(Form form);
 bool parseForm(const QString& name, Form& form);
 
-// Keeps what a record logs, for the tool to print in its own words.
+// Keeps what a record logs, for the tool to print in its own words. A list of
+// two million faulty items logs two million messages, so it keeps no more than
+// it is told to and counts the rest; the last error is kept apart, for the
+// reason a read failed.
 class CollectingLogger : public RECORDKIT::Logger {
 public:
-    struct Entry {
-        RECORDKIT::LogLevel level;
-        QString message;
-    };
-    void Log(RECORDKIT::LogLevel level, const QString& message) override { entries.append({level, message}); }
-    QVector<Entry> entries;
+    static constexpr int KeepAll = -1;
+
+    void Log(RECORDKIT::LogLevel level, const QString& message) override;
+
+    // How many more messages to keep: KeepAll, or 0 for none.
+    void keep(int count) { m_keep = count; }
+    // Forgets the kept messages and the count, not the last error.
+    void clear();
+    const QStringList& kept() const { return m_kept; }
+    // Every message logged since the last clear, kept or not.
+    qint64 count() const { return m_count; }
+    const QString& lastError() const { return m_lastError; }
+
+private:
+    int m_keep = 0;
+    QStringList m_kept;
+    qint64 m_count = 0;
+    QString m_lastError;
 };
 
 struct LoadOptions {
-    bool validate = false;   // read with the validate flag on
-    bool raw = false;        // the input is the raw form, of the class `className`
-    QString className;
+    bool validate = false;                 // read with the validate flag on
+    const ClassEntry* rawClass = nullptr;  // the input is the raw form of this class
+    int keepMessages = 0;                  // what the logger keeps of reading (see CollectingLogger::keep)
 };
 
 struct Loaded {
@@ -49,6 +63,16 @@ struct Loaded {
     QString error;                             // why the file could not be read; empty on success
 };
 
+// The whole of a file, which may be a pipe or a FIFO, read once. A file of
+// more than the size limit (--max-size) is refused before it is read whole.
+bool readInput(const QString& path, QByteArray& bytes, QString& problem);
+
+// The class of the tagged form in `bytes`, plain or compressed; a compressed
+// form is replaced by the tagged form it unpacks to, and `form` tells which it
+// was. Null when the bytes are neither, with `problem` set when they are a
+// compressed form that cannot be unpacked.
+const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem);
+
 // Reads a file in the form it holds: XML by its first start element, tagged
 // and compressed by the outer block with a known class id, raw only on request.
 Loaded load(const QString& path, const LoadOptions& options);
@@ -56,10 +80,16 @@ Loaded load(const QString& path, const LoadOptions& options);
 // The record in the given form, as bytes. Throws RKException if a writer refuses.
 QByteArray formBytes(const Record& record, Form form);
 
-// One line on standard error: "dossier: <text>".
+// Text for a person, with nothing in it that a terminal would act on: a
+// backslash becomes \\, a newline \n, a carriage return \r, a tab \t, and every
+// other control character (U+0000-U+001F, U+007F-U+009F) \xHH, its code in hex.
+QString escaped(const QString& text);
+// One line on standard error, escaped: "dossier: <text>".
 void error(const QString& text);
-// One line on standard output.
+// One line on standard output, escaped.
 void out(const QString& text);
+// The tool's own text, such as its help, as it stands.
+void outText(const QString& text);
 
 // Parses "--name value" and "--flag" options; the rest are positional.
 struct Arguments {
@@ -69,6 +99,16 @@ struct Arguments {
     QString problem;  // an unknown option or a missing value
 };
 Arguments parseArguments(const QStringList& args, const QStringList& flags, const QStringList& valueOptions);
+
+// The value options of every command that reads records: --max-size BYTES,
+// and --from raw --class NAME for the raw form, which has no marker.
+const QStringList& readOptions();
+// --max-size BYTES: the largest file read and the most a compressed form may
+// unpack to, for the whole run. False, with the error printed, on a bad value.
+bool takeMaxSize(const Arguments& a);
+// takeMaxSize and --from raw --class NAME into `options`. False, with the
+// error printed, on a wrong call.
+bool takeReadOptions(const Arguments& a, LoadOptions& options);
 
 // The class of a child or list field, from a default object of its owner.
 const EMITTERDOSSIERDOC::Frame::ClassInfo& childClass(const EMITTERDOSSIERDOC::Frame::ClassInfo& owner,

@@ -9,44 +9,73 @@ namespace {
 
 using namespace dossier_tool;
 
+enum class Reads { Nothing, AnyForm, TaggedForms };
+
 struct Command {
     const char* name;
     int (*run)(const QStringList& args);
     const char* usage;
     const char* help;
+    Reads reads;
 };
 
+// What every command that reads records says of its input and of what it prints.
+QString readingHelp(Reads reads)
+{
+    if (reads == Reads::Nothing)
+        return QString();
+    QString text = QStringLiteral("\n\n");
+    if (reads == Reads::AnyForm)
+        text += QStringLiteral("XML, tagged and compressed input is recognised by itself; the raw form has no\n"
+                               "marker and needs --from raw --class NAME.\n");
+    text += QStringLiteral("FILE may be a pipe, such as /dev/stdin. --max-size BYTES sets the largest file\n"
+                           "read and the most a compressed form may unpack to (default %1).\n\n"
+                           "In what is printed, a backslash is written \\\\, a newline \\n, a carriage return\n"
+                           "\\r, a tab \\t and any other control character (U+0000-U+001F, U+007F-U+009F)\n"
+                           "\\xHH, its code in hex, so that no text can act on the terminal or forge a line.")
+                .arg(RECORDKIT::DefaultMaxUnpackedSize);
+    return text;
+}
+
 const Command Commands[] = {
-    {"check", runCheck, "check [--strict] FILE...",
-     "Reads each file and prints every fault of its record as FILE: PATH: message, PATH naming\n"
-     "the object below the record that reported it. --strict reads with the validate flag on,\n"
-     "so that the first fault stops the reading. Exit 0 if all are clean, 1 if any record has\n"
-     "faults, 2 if a file cannot be read."},
-    {"convert", runConvert, "convert FILE --to xml|tagged|compressed|raw [-o OUT] [--from raw --class NAME]",
+    {"check", runCheck, "check [--strict] [--max-errors N] FILE... [--from raw --class NAME] [--max-size BYTES]",
+     "Reads each file and prints its faults as FILE: PATH: message, PATH naming the object below\n"
+     "the record that reported it: the first 100 of each file (--max-errors N, 0 for all), then\n"
+     "FILE: N more faults not shown (--max-errors 0 shows all). --strict reads with the validate\n"
+     "flag on, so that the first fault stops the reading. Exit 0 if all are clean, 1 if any\n"
+     "record has faults, 2 if a file cannot be read.",
+     Reads::AnyForm},
+    {"convert", runConvert,
+     "convert FILE --to xml|tagged|compressed|raw [-o OUT] [--from raw --class NAME] [--max-size BYTES]",
      "Writes the record of FILE in another form, to OUT or to standard output (binary forms\n"
-     "not to a terminal). XML, tagged and compressed input is recognised; the raw form has\n"
-     "no marker and needs --from raw --class NAME. Any schema class may be the record."},
-    {"show", runShow, "show [--all] FILE [--from raw --class NAME]",
+     "not to a terminal), as the library writes it. Any schema class may be the record.",
+     Reads::AnyForm},
+    {"show", runShow, "show [--all] FILE [--from raw --class NAME] [--max-size BYTES]",
      "Prints the record as an indented tree: properties in the order of the XML form, values\n"
-     "with their units, list items numbered from 0. --all shows unset properties, marked."},
-    {"diff", runDiff, "diff A B",
+     "with their units, list items numbered from 0. --all shows unset properties, marked.",
+     Reads::AnyForm},
+    {"diff", runDiff, "diff A B [--from raw --class NAME] [--max-size BYTES]",
      "Prints the properties in which two records differ, as PATH: value in A -> value in B.\n"
-     "Exit 0 if the records are equal, 1 if not, 2 if a file cannot be read."},
-    {"inspect", runInspect, "inspect FILE",
+     "Doubles compare by value: -0 equals 0, and NaN equals NaN. Exit 0 if no property differs,\n"
+     "1 if some do, 2 if a file cannot be read. --from raw --class NAME holds for both files.",
+     Reads::AnyForm},
+    {"inspect", runInspect, "inspect FILE [--max-size BYTES]",
      "Prints the tagged or compressed form as it stands in the bytes: each record with its\n"
-     "offset, tag, field name (or unknown), length and value, nested blocks indented, and the\n"
-     "first place where the lengths do not add up (exit 2)."},
+     "offset, tag, field name (or unknown, passed over), length and value, nested blocks\n"
+     "indented, and the first place where the lengths do not add up (exit 2).",
+     Reads::TaggedForms},
     {"schema", runSchema, "schema [CLASS]",
      "Prints the field table of CLASS (bit, field, XML shape, type, presence, tag, in the order\n"
-     "of writing), or all classes with their ids."},
+     "of writing), or all classes with their ids.",
+     Reads::Nothing},
 };
 
 void usage()
 {
-    out(QStringLiteral("usage: dossier COMMAND [OPTIONS]\n\ncommands:"));
+    outText(QStringLiteral("usage: dossier COMMAND [OPTIONS]\n\ncommands:"));
     for (const Command& c : Commands)
-        out(QStringLiteral("  %1").arg(QLatin1String(c.usage)));
-    out(QStringLiteral("\n'dossier COMMAND --help' tells more about a command."));
+        outText(QStringLiteral("  %1").arg(QLatin1String(c.usage)));
+    outText(QStringLiteral("\n'dossier COMMAND --help' tells more about a command."));
 }
 
 // Qt's own warnings would break the rule of one line per error: the tool
@@ -69,7 +98,8 @@ int main(int argc, char** argv)
         if (name != QLatin1String(c.name))
             continue;
         if (args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
-            out(QStringLiteral("usage: dossier %1\n\n%2").arg(QLatin1String(c.usage), QLatin1String(c.help)));
+            outText(QStringLiteral("usage: dossier %1\n\n%2%3")
+                        .arg(QLatin1String(c.usage), QLatin1String(c.help), readingHelp(c.reads)));
             return Success;
         }
         try {
