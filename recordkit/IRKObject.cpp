@@ -21,14 +21,6 @@ void configureWriter(QXmlStreamWriter& writer)
     writer.setAutoFormattingIndent(2);
 }
 
-QString xmlErrorText(const QXmlStreamReader& reader, const QString& problem)
-{
-    return QStringLiteral("XML error at line %1, column %2: %3")
-        .arg(reader.lineNumber())
-        .arg(reader.columnNumber())
-        .arg(problem);
-}
-
 qint32 firstWord(const QByteArray& head, QDataStream::ByteOrder order)
 {
     return order == QDataStream::BigEndian ? qFromBigEndian<qint32>(head.constData())
@@ -110,7 +102,7 @@ bool IRKObject::readXml(QXmlStreamReader& reader, bool checkAfterRead, const Att
 {
     // The guard's reason, where it cut the document, wins over the reader's
     // "premature end" that the cut causes.
-    auto failure = [&] { return xmlErrorText(reader, guard.tripped() ? guard.problem() : reader.errorString()); };
+    auto failure = [&] { return xmlErrorText(reader, guard); };
     while (!reader.atEnd() && !reader.isStartElement())
         reader.readNext();
     if (!reader.isStartElement()) {

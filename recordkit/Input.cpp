@@ -3,6 +3,8 @@
 #include <atomic>
 #include <limits>
 
+#include <QBuffer>
+#include <QXmlStreamReader>
 #include <QtEndian>
 
 #include <zlib.h>
@@ -54,6 +56,23 @@ bool LooksLikeXml(const QByteArray& bytes)
             return c == '<';
     }
     return false;
+}
+
+QString XmlRootElement(const QByteArray& bytes, QString& problem)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    GuardedXmlDevice guarded(&buffer);
+    guarded.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    QXmlStreamReader reader(&guarded);
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement)
+            return reader.name().toString();
+    }
+    problem = reader.hasError() ? xmlErrorText(reader, guarded.guard())
+                                : QStringLiteral("the XML text holds no element");
+    return QString();
 }
 
 bool LooksCompressed(const QByteArray& bytes)

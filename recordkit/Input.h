@@ -37,6 +37,11 @@ EDD_EXPORT void SetMaxUnpackedSize(qint64 bytes);
 // byte order (the encodings the XML reader recognises by their first bytes).
 EDD_EXPORT bool LooksLikeXml(const QByteArray& bytes);
 
+// The name of the first element of an XML document given as bytes, read
+// through the same guard as the XML readers; empty, with the reader's or the
+// guard's "XML error at line L, column C: ..." in `problem`, if there is none.
+EDD_EXPORT QString XmlRootElement(const QByteArray& bytes, QString& problem);
+
 // True if the bytes begin as the compressed form: a size word, then a zlib header.
 EDD_EXPORT bool LooksCompressed(const QByteArray& bytes);
 

@@ -337,6 +337,14 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
     return size;
 }
 
+QString xmlErrorText(const QXmlStreamReader& reader, const AttributeGuard& guard)
+{
+    return QStringLiteral("XML error at line %1, column %2: %3")
+        .arg(reader.lineNumber())
+        .arg(reader.columnNumber())
+        .arg(guard.tripped() ? guard.problem() : reader.errorString());
+}
+
 // --- The device ------------------------------------------------------------
 
 GuardedXmlDevice::GuardedXmlDevice(QIODevice* source) : m_source(source) {}

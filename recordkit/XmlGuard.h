@@ -5,6 +5,7 @@
 
 #include <QIODevice>
 #include <QString>
+#include <QXmlStreamReader>
 
 namespace RECORDKIT {
 
@@ -109,5 +110,9 @@ private:
     AttributeGuard m_guard;
     bool m_sourceEnded = false;
 };
+
+// "XML error at line L, column C: ..." for a reader that has stopped on a
+// fault, with the guard's reason when the guard cut its input.
+QString xmlErrorText(const QXmlStreamReader& reader, const AttributeGuard& guard);
 
 }  // namespace RECORDKIT

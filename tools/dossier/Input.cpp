@@ -11,7 +11,6 @@
 #include <QBuffer>
 #include <QDataStream>
 #include <QFile>
-#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 #include <QtEndian>
 
@@ -25,48 +24,6 @@ constexpr qint64 ProgressThreshold = 50 * 1024 * 1024;
 constexpr qint64 ReadChunk = 1024 * 1024;
 // About the most one QByteArray holds, whatever --max-size allows.
 constexpr qint64 MaxHeldBytes = std::numeric_limits<int>::max() - 64;
-
-// Finds the first start element of an XML document through the library's own
-// reading, so that the document meets the decoding and the guards that its
-// record will meet: a start tag with thousands of attributes costs Qt's reader
-// their count squared, and the library stops it before the reader sees it.
-class RootElementProbe : public RECORDKIT::IRKObject {
-public:
-    RootElementProbe() { SetObjectName(QStringLiteral("XML document")); }
-
-    // The name of the first start element, or empty with `problem` set.
-    QString find(const QByteArray& bytes, QString& problem)
-    {
-        const auto logger = std::make_shared<CollectingLogger>();
-        SetLogger(logger);
-        m_name.clear();
-        SetXmlBytes(bytes);
-        if (m_name.isEmpty())
-            problem = logger->lastError();
-        return m_name;
-    }
-
-    void ProcessXml(QXmlStreamReader& reader) override
-    {
-        m_name = reader.name().toString();
-        // The name is all the probe needs: stop the reading here rather than
-        // parse the rest of the document, which its record reads next.
-        throw RKException(QStringLiteral("found the first element"));
-    }
-
-    // Nothing else of a record is asked of the probe.
-    bool HasData() const override { return false; }
-    void Reset() override {}
-    void Check(bool) const override {}
-    void Check() const override {}
-    void GetXml(QXmlStreamWriter&) const override {}
-    bool GetBinary(QDataStream&, int, bool) const override { return false; }
-    void SetBinary(QDataStream&, int) override {}
-    void SetObjectType(RECORDKIT::ObjectTypes) override {}
-
-private:
-    QString m_name;
-};
 
 const ClassEntry* classOfBlock(const QByteArray& bytes)
 {
@@ -117,7 +74,9 @@ void loadRaw(const QString& path, const QByteArray& bytes, Loaded& loaded, const
 void loadXml(const QString& path, const QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
 {
     QString problem;
-    const QString name = RootElementProbe().find(bytes, problem);
+    // Through the library's guard: a start tag with thousands of attributes
+    // costs Qt's reader their count squared.
+    const QString name = RECORDKIT::XmlRootElement(bytes, problem);
     if (name.isEmpty()) {
         loaded.error = QStringLiteral("%1: %2").arg(path, problem);
         return;
