@@ -112,12 +112,12 @@ void readRawDateTime(QDataStream& stream, QDateTime& value)
     }
     QDate date;
     QTime time;
-    qint8 spec = 0;
-    stream >> date >> time >> spec;
-    switch (spec) {
+    qint8 timeKind = 0;
+    stream >> date >> time >> timeKind;
+    switch (timeKind) {
     case Qt::LocalTime:
     case Qt::UTC:
-        value = QDateTime(date, time, Qt::TimeSpec(spec));
+        value = QDateTime(date, time, Qt::TimeSpec(timeKind));
         return;
     case Qt::OffsetFromUTC: {
         qint32 offset = 0;

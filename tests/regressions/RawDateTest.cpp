@@ -193,7 +193,7 @@ std::vector<CommittedInput> committedInputs()
 
 }  // namespace
 
-// The layout the reader follows, as Qt writes it for each time spec.
+// The layout the reader follows, as Qt writes it for each kind of time.
 TEST(RawDateLayout, QtWritesDatesAsTheReaderExpects)
 {
     EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::LocalTime)), QByteArray::fromHex("0000000000258ea3 030620c2 00"));
@@ -221,13 +221,13 @@ TEST(RawDateLayout, QtWritesDatesAsTheReaderExpects)
                                         << qint32(QLocale::Germany) << QStringLiteral("a comment"))
                                    .bytes());
 
-    // Before stream version 5.2 no zone is written, whatever the spec.
+    // Before stream version 5.2 no zone is written, whatever the kind of time.
     EXPECT_EQ(qtBytes(berlinDate(), QDataStream::Qt_5_1), QByteArray::fromHex("0000000000258ea3 030620c2 04"));
     EXPECT_EQ(qtBytes(berlinDate(), QDataStream::Qt_5_0), QByteArray::fromHex("0000000000258ea3 02cf3242 03"));
 }
 
 // Every kind of date goes through the raw form as QDataStream's own reader
-// takes it: the same date, spec, zone and offset, and the same bytes again.
+// takes it: the same date, kind of time, zone and offset, and the same bytes again.
 TEST(RawDate, EverySpecAndZoneRoundTripsExactly)
 {
     const QDate day = sampleDay();
@@ -370,12 +370,12 @@ TEST(RawDate, AWellFormedUnlistedIdOfAnOffsetZoneMakesACustomZone)
     EXPECT_EQ(date.toUTC(), QDateTime(sampleDay(), QTime(13, 5, 33, 250), Qt::UTC));
 }
 
-// A spec byte that is no Qt::TimeSpec carries nothing more, in Qt's reader too.
+// A kind-of-time byte that is no Qt::TimeSpec carries nothing more, in Qt's reader too.
 TEST(RawDate, UnknownTimeSpecReadsAsNoDate)
 {
-    for (const qint8 spec : {qint8(4), qint8(0x7f), qint8(-1)}) {
-        SCOPED_TRACE(int(spec));
-        expectNoDateAndTheRestIntact(sampleWithDateBytes((Bytes() << SampleJulianDay << SampleMsecs << spec).bytes()));
+    for (const qint8 timeKind : {qint8(4), qint8(0x7f), qint8(-1)}) {
+        SCOPED_TRACE(int(timeKind));
+        expectNoDateAndTheRestIntact(sampleWithDateBytes((Bytes() << SampleJulianDay << SampleMsecs << timeKind).bytes()));
     }
 }
 
