@@ -10,6 +10,7 @@
 
 #include "recordkit/Input.h"
 #include "recordkit/XmlGuard.h"
+#include "recordkit/XmlTextDevice.h"
 
 namespace RECORDKIT {
 
@@ -52,6 +53,11 @@ void IRKObject::SetInvalid(int& value) const { value = std::numeric_limits<int>:
 
 bool IRKObject::SetXmlString(const QString& text, bool checkAfterRead)
 {
+    if (Utf8TextDevice::readsLikeText(text)) {
+        Utf8TextDevice bytes(text);
+        bytes.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        return readXmlDevice(&bytes, checkAfterRead);
+    }
     AttributeGuard guard;
     const qint64 passed = guard.scanText(reinterpret_cast<const char16_t*>(text.utf16()), text.size());
     // A document stopped by the guard is read as far as it goes, as a file is.
