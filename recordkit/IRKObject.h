@@ -112,6 +112,8 @@ protected:
     // With `raise` the exception leaves the call as its own class and nothing is
     // logged; without, its message is written to the logger at `level`.
     void TraceOrThrow(LogLevel level, RKException& exception, bool raise, bool trace) const;
+    // The logger, without the copy that GetLogger makes.
+    const std::shared_ptr<Logger>& logger() const { return m_logger; }
 
     qint64 m_classId = 0;
 

@@ -3,8 +3,7 @@
 // Bounds that keep hostile input from making the readers allocate without limit.
 // Counts in a stream are trusted only as far as the bytes behind them reach.
 
-#include <QDataStream>
-#include <QIODevice>
+#include <QtGlobal>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -17,19 +16,10 @@ constexpr qint64 UnknownInputReserve = 4096;
 constexpr qint64 MinTaggedItemBytes = 4;
 constexpr qint64 MinRawItemBytes = 1;
 
-// Bytes the stream can still deliver, or -1 if its device cannot tell.
-inline qint64 bytesLeft(const QDataStream& stream)
+// How many of `count` announced items may be reserved ahead, when `left`
+// bytes of input remain (-1 if the device cannot tell).
+inline int reservableItems(qint64 left, qint64 count, qint64 minItemBytes)
 {
-    const QIODevice* device = stream.device();
-    if (!device || device->isSequential())
-        return -1;
-    return device->bytesAvailable();
-}
-
-// How many of `count` announced items may be reserved ahead.
-inline int reservableItems(const QDataStream& stream, qint64 count, qint64 minItemBytes)
-{
-    const qint64 left = bytesLeft(stream);
     const qint64 fit = left < 0 ? UnknownInputReserve : left / minItemBytes;
     return int(qBound<qint64>(0, count, fit));
 }

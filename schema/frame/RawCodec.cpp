@@ -1,6 +1,7 @@
 // The raw form: the presence bitmap, then the fields in bit order, with no
 // tags, no lengths and no text. Exact, compact, and tied to this layout.
 
+#include "schema/frame/DataIn.h"
 #include "schema/frame/Limits.h"
 #include "schema/frame/RawDateTime.h"
 #include "schema/frame/Runtime.h"
@@ -76,20 +77,13 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
     }
 }
 
-// A date read as QDataStream serialises it, except that the record's zone id
-// never names a file for Qt to open: see RawDateTime.cpp.
-static void readDateTime(QDataStream& stream, QDateTime& value)
-{
-    readRawDateTime(stream, value);
-}
-
 // The item count of a list; a negative one is no count a writer makes.
-static qint32 readCount(QDataStream& stream)
+static qint32 readCount(DataIn& in)
 {
     qint32 count = 0;
-    stream >> count;
+    in >> count;
     if (count < 0) {
-        stream.setStatus(QDataStream::ReadCorruptData);
+        in.setStatus(QDataStream::ReadCorruptData);
         return 0;
     }
     return count;
@@ -97,18 +91,24 @@ static qint32 readCount(QDataStream& stream)
 
 // A list that ends before its count leaves the stream failed, as a string cut
 // short does: the input was too short for the record.
-static void endList(QDataStream& stream, qint32 read, qint32 count)
+static void endList(DataIn& in, qint32 read, qint32 count)
 {
     if (read < count)
-        stream.setStatus(QDataStream::ReadPastEnd);
+        in.setStatus(QDataStream::ReadPastEnd);
 }
 
 void Runtime::readRaw(Record& r, QDataStream& stream)
 {
+    DataIn in(stream);
+    readRaw(r, in);
+}
+
+void Runtime::readRaw(Record& r, DataIn& in)
+{
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
     uchar bitmap[4] = {0, 0, 0, 0};
-    stream.readRawData(reinterpret_cast<char*>(bitmap), info.bitmapBytes());
+    in.readRaw(reinterpret_cast<char*>(bitmap), info.bitmapBytes());
     quint32 presence = 0;
     for (int i = 0; i < info.bitmapBytes(); ++i)
         presence |= quint32(bitmap[i]) << (8 * i);
@@ -116,7 +116,7 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
     if (info.version) {
         // A record of an older version is cleared here, its bitmap with it.
         QString loaded;
-        stream >> loaded;
+        in.viaStream([&](QDataStream& stream) { stream >> loaded; });
         versionGate(r, p, loaded);
     }
     for (int bit = 0; bit < info.fieldCount; ++bit) {
@@ -125,65 +125,67 @@ void Runtime::readRaw(Record& r, QDataStream& stream)
         switch (f.kind) {
         case Kind::Double:
             if (present)
-                stream >> value<double>(p, f);
+                in >> value<double>(p, f);
             break;
         case Kind::UInt64:
             if (present) {
                 qint64 v = 0;
-                stream >> v;
+                in >> v;
                 value<quint64>(p, f) = quint64(v);
             }
             break;
         case Kind::Enum:
             if (present) {
                 qint8 v = -1;
-                stream >> v;
+                in >> v;
                 value<quint8>(p, f) = quint8(v);
             }
             break;
         case Kind::Text:
             if (present)
-                stream >> value<QString>(p, f);
+                in.viaStream([&](QDataStream& stream) { stream >> value<QString>(p, f); });
             break;
         case Kind::DateTime:
+            // Read as QDataStream serialises it, except that the record's zone
+            // id never names a file for Qt to open: see RawDateTime.cpp.
             if (p.test(bit))
-                readDateTime(stream, value<QDateTime>(p, f));
+                in.viaStream([&](QDataStream& stream) { readRawDateTime(stream, value<QDateTime>(p, f)); });
             break;
         case Kind::Bool:
             if (present)
-                stream >> value<bool>(p, f);
+                in >> value<bool>(p, f);
             break;
         case Kind::Child:
             if (present)
-                readRaw(child(p, f), stream);
+                readRaw(child(p, f), in);
             break;
         case Kind::List: {
             if (f.has(OmitWhenEmpty) && !p.test(bit))
                 break;
-            const qint32 count = readCount(stream);
+            const qint32 count = readCount(in);
             void* list = field(p, f);
             const ListOps& ops = f.listOps();
-            ops.reserve(list, ops.size(list) + reservableItems(stream, count, MinRawItemBytes));
+            ops.reserve(list, ops.size(list) + reservableItems(in.bytesLeft(), count, MinRawItemBytes));
             qint32 k = 0;
-            for (; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+            for (; k < count && in.status() == QDataStream::Ok && !in.atEnd(); ++k) {
                 PendingItem item(r, p, f);
-                readRaw(item.item(), stream);
+                readRaw(item.item(), in);
                 item.finish();
             }
-            endList(stream, k, count);
+            endList(in, k, count);
             break;
         }
         case Kind::EnumList: {
-            const qint32 count = readCount(stream);
+            const qint32 count = readCount(in);
             void* list = field(p, f);
-            f.enumListInfo().reserve(list, reservableItems(stream, count, 1));
+            f.enumListInfo().reserve(list, reservableItems(in.bytesLeft(), count, 1));
             qint32 k = 0;
-            for (; k < count && stream.status() == QDataStream::Ok && !stream.atEnd(); ++k) {
+            for (; k < count && in.status() == QDataStream::Ok && !in.atEnd(); ++k) {
                 qint8 v = -1;
-                stream >> v;
+                in >> v;
                 appendEnumValue(r, p, f, quint8(v));
             }
-            endList(stream, k, count);
+            endList(in, k, count);
             break;
         }
         }

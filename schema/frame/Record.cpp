@@ -54,7 +54,9 @@ Record::Record(const Record& other, const ClassInfo& info)
 
 Record::~Record()
 {
-    if (d && !d->ref.deref())
+    // The last handle frees the payload; a handle that holds it alone needs
+    // no atomic step to know that it is the last.
+    if (d && (d->ref.loadAcquire() == 1 || !d->ref.deref()))
         delete d;
 }
 
@@ -88,12 +90,13 @@ void Record::InitData() const
         return;
     const ClassInfo& info = GetClassInfo();
     d = info.createPayload();
-    d->ref.ref();
-    // Fresh children take this object's flag and logger.
-    if (info.hasChildren) {
-        SetValidate(GetValidate());
-        SetLogger(GetLogger());
-    }
+    d->ref.storeRelaxed(1);  // no other handle can see it yet
+    // Fresh children take this object's flag and logger. Being fresh, they
+    // hold the defaults already and have no payloads of their own to walk.
+    if (info.hasChildren && (GetValidate() || logger()))
+        for (int i = 0; i < info.fieldCount; ++i)
+            if (info.fields[i].kind == Kind::Child)
+                Runtime::adopt(*this, Runtime::child(*d, info.fields[i]));
 }
 
 Payload& Record::payload() const

@@ -13,6 +13,8 @@
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
+class DataIn;
+
 // An item that a reader makes in place at the end of a list and reads there.
 // It stays only if its read completes and the list's append rule takes it: an
 // item whose read raises is taken out again on the way out, so that the list
@@ -68,7 +70,8 @@ public:
     static void adopt(const Record& owner, const Record& item)
     {
         item.RECORDKIT::IRKObject::SetValidate(owner.GetValidate());
-        item.RECORDKIT::IRKObject::SetLogger(owner.GetLogger());
+        if (owner.logger())
+            item.RECORDKIT::IRKObject::SetLogger(owner.logger());
     }
 
     // --- Reporting ----------------------------------------------------------------
@@ -104,6 +107,7 @@ public:
     static bool enumValid(const FieldInfo& f, quint8 value);
     // The index of `name` in the field's name list, 0xFF if it is not there.
     static quint8 enumIndex(const FieldInfo& f, const QString& name);
+    static quint8 enumIndex(const FieldInfo& f, QLatin1String name);
     // Appends a copy of `item`, with the test of completeness.
     static void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
     // Appends an enumeration value to a list of them, with the test of validity.
@@ -126,9 +130,11 @@ public:
 
     static bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
     static void readTagged(Record& r, QDataStream& stream, qint64 length);
+    static void readTagged(Record& r, DataIn& in, qint64 length);
 
     static void writeRaw(const Record& r, QDataStream& stream);
     static void readRaw(Record& r, QDataStream& stream);
+    static void readRaw(Record& r, DataIn& in);
 };
 
 }  // namespace Frame

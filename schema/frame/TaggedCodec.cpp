@@ -3,6 +3,7 @@
 // placeholders and patched by seeking back once the payload is complete.
 
 #include "recordkit/Converters.h"
+#include "schema/frame/DataIn.h"
 #include "schema/frame/Limits.h"
 #include "schema/frame/Runtime.h"
 #include "schema/frame/TextForms.h"
@@ -154,121 +155,165 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
     return true;
 }
 
-static void readTaggedList(Record& r, Payload& p, const FieldInfo& f, QDataStream& stream, qint64 room)
+static void readTaggedList(Record& r, Payload& p, const FieldInfo& f, DataIn& in, qint64 room)
 {
     qint32 count = 0;
-    stream >> count;
+    in >> count;
     // Every item needs at least its length word: a count the block cannot hold
     // is refused before anything is reserved.
-    const qint64 left = bytesLeft(stream);
-    if (stream.status() != QDataStream::Ok || count < 0 || count * MinTaggedItemBytes > room - 4 ||
+    const qint64 left = in.bytesLeft();
+    if (in.status() != QDataStream::Ok || count < 0 || count * MinTaggedItemBytes > room - 4 ||
         (left >= 0 && count * MinTaggedItemBytes > left))
         Runtime::lengthError(r);
     void* list = Runtime::field(p, f);
     const ListOps& ops = f.listOps();
-    ops.reserve(list, ops.size(list) + reservableItems(stream, count, MinTaggedItemBytes));
+    ops.reserve(list, ops.size(list) + reservableItems(left, count, MinTaggedItemBytes));
     for (qint32 k = 0; k < count; ++k) {
         qint32 itemSize = 0;
-        stream >> itemSize;
-        if (stream.status() != QDataStream::Ok)
+        in >> itemSize;
+        if (in.status() != QDataStream::Ok)
             Runtime::lengthError(r);
         PendingItem item(r, p, f);
-        Runtime::readTagged(item.item(), stream, itemSize);
+        Runtime::readTagged(item.item(), in, itemSize);
         item.finish();
     }
 }
 
-static void readTaggedEnumList(Record& r, Payload& p, const FieldInfo& f, QDataStream& stream, qint64 room)
+// The text of a byte-array record, UTF-8.
+static QString readText(DataIn& in)
+{
+    const char* data = nullptr;
+    int size = 0;
+    if (in.takeBytes(data, size))
+        return decodeUtf8(data, size);
+    QByteArray bytes;
+    in.viaStream([&](QDataStream& stream) { stream >> bytes; });
+    return decodeUtf8(bytes);
+}
+
+// The index of the enumeration name that a byte-array record holds.
+static quint8 readEnumIndex(DataIn& in, const FieldInfo& f)
+{
+    const char* data = nullptr;
+    int size = 0;
+    if (!in.takeBytes(data, size)) {
+        QByteArray bytes;
+        in.viaStream([&](QDataStream& stream) { stream >> bytes; });
+        return Runtime::enumIndex(f, decodeUtf8(bytes));
+    }
+    // Names are ASCII: bytes that are too compare as Latin-1, without a decoded copy.
+    for (int i = 0; i < size; ++i)
+        if (uchar(data[i]) >= 0x80)
+            return Runtime::enumIndex(f, decodeUtf8(data, size));
+    return Runtime::enumIndex(f, QLatin1String(data, size));
+}
+
+// A double of the tagged form: its two-decimal text.
+static double readDouble(DataIn& in)
+{
+    const char* data = nullptr;
+    int size = 0;
+    double value = 0;
+    if (in.takeBytes(data, size) && parseDoubleTextFast(data, size, value))
+        return value;
+    if (data)
+        return decodeUtf8(data, size).toDouble();
+    QByteArray bytes;
+    in.viaStream([&](QDataStream& stream) { stream >> bytes; });
+    return decodeUtf8(bytes).toDouble();
+}
+
+static void readTaggedEnumList(Record& r, Payload& p, const FieldInfo& f, DataIn& in, qint64 room)
 {
     qint32 count = 0;
-    stream >> count;
+    in >> count;
     // Each value needs its length word and its byte count.
     constexpr qint64 MinValueBytes = 8;
-    const qint64 left = bytesLeft(stream);
-    if (stream.status() != QDataStream::Ok || count < 0 || count * MinValueBytes > room - 4 ||
+    const qint64 left = in.bytesLeft();
+    if (in.status() != QDataStream::Ok || count < 0 || count * MinValueBytes > room - 4 ||
         (left >= 0 && count * MinValueBytes > left))
         Runtime::lengthError(r);
-    f.enumListInfo().reserve(Runtime::field(p, f), reservableItems(stream, count, MinValueBytes));
+    f.enumListInfo().reserve(Runtime::field(p, f), reservableItems(left, count, MinValueBytes));
     for (qint32 k = 0; k < count; ++k) {
         qint32 valueLength = 0;
-        QByteArray name;
-        stream >> valueLength >> name;
-        if (stream.status() != QDataStream::Ok)
+        in >> valueLength;
+        const quint8 index = readEnumIndex(in, f);
+        if (in.status() != QDataStream::Ok)
             Runtime::lengthError(r);
-        Runtime::appendEnumValue(r, p, f, Runtime::enumIndex(f, decodeUtf8(name)));
+        Runtime::appendEnumValue(r, p, f, index);
     }
 }
 
 void Runtime::readTagged(Record& r, QDataStream& stream, qint64 length)
 {
+    DataIn in(stream);
+    readTagged(r, in, length);
+}
+
+void Runtime::readTagged(Record& r, DataIn& in, qint64 length)
+{
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
     qint64 remaining = length;
-    while (remaining > 0 && !stream.atEnd()) {
+    while (remaining > 0 && !in.atEnd()) {
         qint32 tag = 0;
         qint32 size = 0;
-        stream >> tag >> size;
-        if (stream.status() != QDataStream::Ok || size < 0)
+        in >> tag >> size;
+        if (in.status() != QDataStream::Ok || size < 0)
             break;
         const qint64 room = remaining - 8;  // what the block has left for this record's payload
         remaining -= 8 + qint64(size);
         if (info.version && quint32(tag) == info.version->tag) {
             QString loaded;
-            stream >> loaded;
+            in.viaStream([&](QDataStream& stream) { stream >> loaded; });
             versionGate(r, p, loaded);
             continue;
         }
         const FieldInfo* f = fieldByTag(info, quint32(tag));
         if (!f) {
-            r.skipCurrentElement(stream, size, tag);
+            in.viaStream([&](QDataStream& stream) { r.skipCurrentElement(stream, size, tag); });
             continue;
         }
         switch (f->kind) {
         case Kind::Double:
-        case Kind::Enum:
-        case Kind::Text:
-        case Kind::DateTime: {
-            QByteArray bytes;
-            stream >> bytes;
-            const QString text = decodeUtf8(bytes);
-            if (f->kind == Kind::Enum) {
-                storeEnum(r, p, *f, enumIndex(*f, text));
-            } else if (f->kind == Kind::Text) {
-                storeText(r, p, *f, text);
-            } else {
-                if (f->kind == Kind::Double)
-                    value<double>(p, *f) = text.toDouble();
-                else
-                    value<QDateTime>(p, *f) = Converters::ToDateTime(text);
-                p.set(f->bit);
-            }
+            value<double>(p, *f) = readDouble(in);
+            p.set(f->bit);
             break;
-        }
+        case Kind::Enum:
+            storeEnum(r, p, *f, readEnumIndex(in, *f));
+            break;
+        case Kind::Text:
+            storeText(r, p, *f, readText(in));
+            break;
+        case Kind::DateTime:
+            value<QDateTime>(p, *f) = Converters::ToDateTime(readText(in));
+            p.set(f->bit);
+            break;
         case Kind::UInt64: {
             qint64 v = 0;
-            stream >> v;
+            in >> v;
             value<quint64>(p, *f) = quint64(v);
             p.set(f->bit);
             break;
         }
         case Kind::Bool:
-            stream >> value<bool>(p, *f);
+            in >> value<bool>(p, *f);
             p.set(f->bit);
             break;
         case Kind::Child:
-            readTagged(child(p, *f), stream, size);
+            readTagged(child(p, *f), in, size);
             p.set(f->bit);
             break;
         case Kind::List:
-            readTaggedList(r, p, *f, stream, qMin<qint64>(size, room));
+            readTaggedList(r, p, *f, in, qMin<qint64>(size, room));
             break;
         case Kind::EnumList:
-            readTaggedEnumList(r, p, *f, stream, qMin<qint64>(size, room));
+            readTaggedEnumList(r, p, *f, in, qMin<qint64>(size, room));
             break;
         }
     }
     // A short block, a record running past the block or a premature end of the stream.
-    if (remaining != 0 || stream.status() != QDataStream::Ok)
+    if (remaining != 0 || in.status() != QDataStream::Ok)
         lengthError(r);
 }
 

@@ -1,5 +1,6 @@
 #include "schema/frame/TextForms.h"
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -52,6 +53,34 @@ QString doubleText(double value)
     return n >= 0 ? QString::fromLatin1(text, n) : QStringLiteral("%1").arg(value, 0, 'f', 2);
 }
 
+bool parseDoubleTextFast(const char* text, int size, double& value)
+{
+    // Only the plain shape: an optional minus, whole digits without leading
+    // zeros, and a fraction; at most twenty digits each, so nothing overflows.
+    // For these Qt and std::from_chars both give the correctly rounded double.
+    const char* p = text;
+    const char* end = text + size;
+    if (p < end && *p == '-')
+        ++p;
+    const char* whole = p;
+    while (p < end && *p >= '0' && *p <= '9')
+        ++p;
+    const long wholeDigits = p - whole;
+    if (wholeDigits == 0 || wholeDigits > 20 || (wholeDigits > 1 && *whole == '0'))
+        return false;
+    if (p < end) {
+        if (*p++ != '.')
+            return false;
+        const char* fraction = p;
+        while (p < end && *p >= '0' && *p <= '9')
+            ++p;
+        if (p != end || p - fraction == 0 || p - fraction > 20)
+            return false;
+    }
+    const std::from_chars_result result = std::from_chars(text, end, value);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
 QString boolText(bool value) { return value ? QStringLiteral("true") : QStringLiteral("false"); }
 
 QString fieldText(Payload& p, const FieldInfo& f)
@@ -74,11 +103,13 @@ QString fieldText(Payload& p, const FieldInfo& f)
     return QString();
 }
 
-QString decodeUtf8(const QByteArray& bytes)
+QString decodeUtf8(const QByteArray& bytes) { return decodeUtf8(bytes.constData(), bytes.size()); }
+
+QString decodeUtf8(const char* bytes, int size)
 {
-    if (bytes.isEmpty())
+    if (size == 0)
         return QStringLiteral("");
-    return QString::fromUtf8(bytes.constData(), bytes.size());
+    return QString::fromUtf8(bytes, size);
 }
 
 }  // namespace Frame

@@ -1,0 +1,162 @@
+// The binary readers take the numbers of a plain QBuffer straight from its
+// bytes. Everything they leave must be what reading through the stream leaves:
+// the record, the stream's status, the device's position and the log. A
+// QBuffer of a class of its own is read through the stream, and is the yardstick.
+
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QDataStream>
+
+#include <cmath>
+
+#include "support/SampleTrees.h"
+#include "support/TestSupport.h"
+
+using namespace EMITTERDOSSIERDOC;
+using namespace testing_support;
+
+namespace {
+
+class StreamedBuffer : public QBuffer {};
+
+struct Outcome {
+    bool ok = true;
+    int status = 0;
+    qint64 position = 0;
+    QByteArray record;  // what was read, in the tagged form
+    QStringList log;
+
+    bool operator==(const Outcome& o) const
+    {
+        return ok == o.ok && status == o.status && position == o.position && record == o.record && log == o.log;
+    }
+};
+
+std::ostream& operator<<(std::ostream& out, const Outcome& o)
+{
+    return out << "ok " << o.ok << ", status " << o.status << ", position " << o.position << ", "
+               << o.record.size() << " bytes, log: " << o.log.join(QLatin1Char('|')).toStdString();
+}
+
+enum class Form { Raw, Tagged };
+
+Outcome read(Form form, const QByteArray& bytes, QDataStream::ByteOrder order, bool direct)
+{
+    QBuffer plain;
+    StreamedBuffer streamed;
+    QBuffer& device = direct ? plain : streamed;
+    device.setData(bytes);
+    device.open(QIODevice::ReadOnly);
+    QDataStream stream(&device);
+    stream.setByteOrder(order);
+    EmitterDossier dossier;
+    auto logger = attachLogger(dossier);
+    Outcome outcome;
+    if (form == Form::Raw)
+        dossier.SetVersionSpecificBinaryWithoutValidation(stream);
+    else
+        outcome.ok = dossier.SetBinaryRepresentation(stream);
+    outcome.status = stream.status();
+    outcome.position = device.pos();
+    outcome.record = dossier.GetBinaryRepresentationAsQByteArray();
+    for (const auto& entry : logger->entries)
+        outcome.log << entry.message;
+    return outcome;
+}
+
+QByteArray written(Form form, const EmitterDossier& dossier, QDataStream::ByteOrder order)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    stream.setByteOrder(order);
+    if (form == Form::Raw)
+        dossier.GetVersionSpecificBinaryWithoutValidation(stream);
+    else
+        dossier.GetBinaryRepresentation(stream);
+    return bytes;
+}
+
+void expectSameEverywhere(Form form)
+{
+    const EmitterDossier dossier = filledDossier(2, 2);
+    for (QDataStream::ByteOrder order : {QDataStream::BigEndian, QDataStream::LittleEndian}) {
+        const QByteArray whole = written(form, dossier, order);
+        const Outcome complete = read(form, whole, order, true);
+        EXPECT_EQ(complete, read(form, whole, order, false));
+        EXPECT_EQ(complete.position, whole.size());
+        EXPECT_EQ(complete.status, QDataStream::Ok);
+        // Every cut, and a flipped bit in every byte.
+        for (int size = 0; size < whole.size(); ++size) {
+            const QByteArray cut = whole.left(size);
+            ASSERT_EQ(read(form, cut, order, true), read(form, cut, order, false)) << "cut at " << size;
+        }
+        for (int at = 0; at < whole.size(); ++at) {
+            QByteArray flipped = whole;
+            flipped[at] = char(flipped[at] ^ (1 << (at % 8)));
+            ASSERT_EQ(read(form, flipped, order, true), read(form, flipped, order, false)) << "flip at " << at;
+        }
+    }
+}
+
+}  // namespace
+
+TEST(DirectRead, RawReadsAsTheStreamReadsEveryCutAndFlip) { expectSameEverywhere(Form::Raw); }
+
+TEST(DirectRead, TaggedReadsAsTheStreamReadsEveryCutAndFlip) { expectSameEverywhere(Form::Tagged); }
+
+TEST(DirectRead, AReadStartingInsideABufferLeavesItAfterTheRecord)
+{
+    const EmitterDossier dossier = filledDossier(2, 2);
+    const QByteArray raw = written(Form::Raw, dossier, QDataStream::BigEndian);
+    QByteArray bytes = QByteArray("head") + raw + QByteArray("tail");
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    char head[4];
+    stream.readRawData(head, 4);
+    EmitterDossier read;
+    read.SetVersionSpecificBinaryWithoutValidation(stream);
+    EXPECT_EQ(read, dossier);
+    EXPECT_EQ(buffer.pos(), 4 + raw.size());
+    EXPECT_EQ(buffer.read(4), QByteArray("tail"));
+}
+
+// A BeamDuration whose Mean record holds `text`.
+QByteArray beamDurationWithMean(const QByteArray& text)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << qint32(quint32(BeamDuration::GetId())) << qint32(12 + text.size());
+    stream << qint32(0xe31b2fb9u) << qint32(4 + text.size()) << text;
+    return bytes;
+}
+
+TEST(DirectRead, DoubleTextsOfEveryShapeReadAsQtReadsThem)
+{
+    QList<QByteArray> texts = {"0.00", "-0.00", "12.50", "-7.25", "9000012500.25", "0.1", "123", "0.125",
+                               "99999999999999999999.99", "1.00000000000000000001", "123456789012345678901.5",
+                               "5e3", "+1.00", " 1.00", "1.00 ", "01.50", "00.5", "1.", ".5", "-", "", "1,5",
+                               "0x10", "inf", "nan", "-.5", "1.2.3", "\xc2\xa01.5"};
+    // Random two-decimal values as the writer writes them.
+    quint64 seed = 12345;
+    for (int i = 0; i < 20000; ++i) {
+        seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+        const double v = double(qint64(seed >> 20) % 100000000000LL) / 100.0 * ((seed & 1) ? -1 : 1);
+        texts << QByteArray::number(v, 'f', 2);
+    }
+    for (const QByteArray& text : texts) {
+        BeamDuration read;
+        QByteArray bytes = beamDurationWithMean(text);
+        ASSERT_TRUE(read.SetBinaryRepresentation(bytes)) << text.constData();
+        const double expected = QString::fromUtf8(text).toDouble();
+        if (std::isnan(expected)) {
+            ASSERT_TRUE(std::isnan(read.GetMean())) << text.constData();
+            continue;
+        }
+        ASSERT_EQ(read.GetMean(), expected) << text.constData();
+        ASSERT_EQ(std::signbit(read.GetMean()), std::signbit(expected)) << text.constData();
+    }
+}
