@@ -1,12 +1,19 @@
 // Speed of the three forms per object, against plain QDataStream operators
 // writing the same numbers, and the heap a loaded list holds.
 //
-//   edd_bench [--benchmark_filter=...]
+//   edd_bench [--size_mb=N] [--benchmark_filter=...]
+//
+// --size_mb=N sets the size of the whole dossier of dossier_bench.cpp in
+// megabytes of XML (default 20).
 
 #include <benchmark/benchmark.h>
 
 #include <malloc.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include <QBuffer>
@@ -15,6 +22,7 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include "DossierBench.h"
 #include "support/SampleTrees.h"
 
 using namespace EMITTERDOSSIERDOC;
@@ -332,4 +340,36 @@ BENCHMARK(HeapHeld_Parameters10000Pulses)->DenseRange(0, 2)->Iterations(1)->Unit
 
 }  // namespace
 
-BENCHMARK_MAIN();
+// Takes this program's own options out of argv, then hands the rest to Google Benchmark.
+int main(int argc, char** argv)
+{
+    static const char sizeOption[] = "--size_mb=";
+    double sizeMb = 20;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        const char* arg = argv[i];
+        if (std::strncmp(arg, sizeOption, sizeof sizeOption - 1) == 0) {
+            const char* value = arg + sizeof sizeOption - 1;
+            char* end = nullptr;
+            sizeMb = std::strtod(value, &end);
+            // One QString holds the whole text, which stays well below 1 GB of characters.
+            if (end == value || *end != '\0' || !std::isfinite(sizeMb) || sizeMb <= 0 || sizeMb > 1000) {
+                std::fprintf(stderr, "%s: --size_mb takes a number of megabytes above 0 and up to 1000, not '%s'\n",
+                             argv[0], value);
+                return 1;
+            }
+            continue;
+        }
+        argv[kept++] = argv[i];
+    }
+    argc = kept;
+    argv[argc] = nullptr;
+
+    dossier_bench::setSizeMb(sizeMb);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -1,4 +1,4 @@
-// A whole dossier of about 20 MB of XML through every form, each beside a
+// A whole dossier of 20 MB of XML (or the size --size_mb=N asks for) through every form, each beside a
 // yardstick in the same run:
 //   - XML read: a bare QXmlStreamReader token pass over the same text;
 //   - XML write: QXmlStreamWriter writing the bulk of the same content from plain structs;
@@ -12,7 +12,11 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <memory>
+#include <string>
 
 #include <QBuffer>
 #include <QDataStream>
@@ -21,6 +25,7 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include "DossierBench.h"
 #include "recordkit/XmlGuard.h"
 #include "support/SampleTrees.h"
 
@@ -28,29 +33,47 @@ using namespace EMITTERDOSSIERDOC;
 
 namespace {
 
-constexpr int Pulses = 40000;
-constexpr int Pris = 10000;
-constexpr int Frequencies = 10000;
-constexpr int Sequences = 2000;
+// The list lengths of a dossier of about 18.04 MB of XML; other sizes scale
+// all four linearly, so the actual size drifts a little from the one asked for
+// (longer ids at larger sizes). The benchmarks report the actual size.
+constexpr double BaseMegabytes = 18.04;
+constexpr int BasePulses = 40000;
+constexpr int BasePris = 10000;
+constexpr int BaseFrequencies = 10000;
+constexpr int BaseSequences = 2000;
 constexpr int ElementsPerSequence = 6;
+
+double sizeMegabytes = 20;
+
+struct Counts {
+    int pulses, pris, frequencies, sequences;
+};
+
+Counts counts()
+{
+    const double scale = sizeMegabytes / BaseMegabytes;
+    auto scaled = [scale](int base) { return std::max(1, int(std::lround(base * scale))); };
+    return {scaled(BasePulses), scaled(BasePris), scaled(BaseFrequencies), scaled(BaseSequences)};
+}
 
 EmitterDossier makeBigDossier()
 {
-    EmitterDossier d = testing_support::filledDossier(Pulses, Pris);
+    const Counts n = counts();
+    EmitterDossier d = testing_support::filledDossier(n.pulses, n.pris);
     ELINTParameter& p = d.GetELINTParameter();
     QVector<FrequencyItem>& frequencies = p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem();
-    for (int k = 0; k < Frequencies; ++k)
+    for (int k = 0; k < n.frequencies; ++k)
         frequencies.append(testing_support::frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
     QVector<SequenceItem>& sequences = p.GetSequence().GetSequenceList().GetSequenceItem();
-    for (int k = 0; k < Sequences; ++k) {
+    for (int k = 0; k < n.sequences; ++k) {
         SequenceItem s;
         s.Setid(quint64(100 + k));
-        s.SetFrequencyID(quint64(100 + k % Frequencies));
+        s.SetFrequencyID(quint64(100 + k % n.frequencies));
         s.SetDeadTime(testing_support::unitScalar<DeadTime>(125.5));
         QVector<ElementItem>& elements = s.GetElementList().GetElementItem();
         for (int e = 0; e < ElementsPerSequence; ++e) {
             ElementItem element;
-            element.SetChildID(quint64((k * ElementsPerSequence + e) % Pulses));
+            element.SetChildID(quint64((k * ElementsPerSequence + e) % n.pulses));
             element.SetChildType(ElementItem::ChildType(1));
             element.SetNumRepetitions(quint64(8 + e));
             element.SetPRIID(quint64(e));
@@ -149,6 +172,12 @@ struct Fixture {
     }
 };
 
+// Every whole-dossier result says the size of the XML it ran with.
+void reportSize(benchmark::State& state)
+{
+    state.counters["xml_bytes"] = double(Fixture::get().xmlBytes);
+}
+
 size_t heapInUse()
 {
     malloc_trim(0);
@@ -196,6 +225,7 @@ void Dossier_XmlRead(benchmark::State& state)
         benchmark::DoNotOptimize(d.SetXmlString(f.xml, false));
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlRead)->Unit(benchmark::kMillisecond);
 
@@ -212,6 +242,7 @@ void Dossier_XmlTokenPass(benchmark::State& state)
         benchmark::DoNotOptimize(tokens);
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlTokenPass)->Unit(benchmark::kMillisecond);
 
@@ -223,6 +254,7 @@ void Dossier_XmlReadBytes(benchmark::State& state)
         benchmark::DoNotOptimize(d.SetXmlBytes(f.xmlUtf8));
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlReadBytes)->Unit(benchmark::kMillisecond);
 
@@ -237,6 +269,7 @@ void Dossier_XmlAttributeGuardText(benchmark::State& state)
         benchmark::DoNotOptimize(guard.scanText(reinterpret_cast<const char16_t*>(f.xml.utf16()), f.xml.size()));
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlAttributeGuardText)->Unit(benchmark::kMillisecond);
 
@@ -248,6 +281,7 @@ void Dossier_XmlAttributeGuardBytes(benchmark::State& state)
         benchmark::DoNotOptimize(guard.scanBytes(f.xmlUtf8.constData(), f.xmlUtf8.size()));
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlAttributeGuardBytes)->Unit(benchmark::kMillisecond);
 
@@ -259,6 +293,7 @@ void Dossier_XmlWrite(benchmark::State& state)
         benchmark::DoNotOptimize(text.constData());
     }
     state.SetBytesProcessed(state.iterations() * f.xmlBytes);
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlWrite)->Unit(benchmark::kMillisecond);
 
@@ -337,6 +372,7 @@ void Dossier_XmlWritePlainStructs(benchmark::State& state)
         w.writeEndDocument();
         benchmark::DoNotOptimize(text.constData());
     }
+    reportSize(state);
 }
 BENCHMARK(Dossier_XmlWritePlainStructs)->Unit(benchmark::kMillisecond);
 
@@ -350,6 +386,7 @@ void Dossier_TaggedRead(benchmark::State& state)
         benchmark::DoNotOptimize(d.SetBinaryRepresentation(f.tagged));
     }
     state.SetBytesProcessed(state.iterations() * f.tagged.size());
+    reportSize(state);
 }
 BENCHMARK(Dossier_TaggedRead)->Unit(benchmark::kMillisecond);
 
@@ -361,6 +398,7 @@ void Dossier_TaggedWrite(benchmark::State& state)
         benchmark::DoNotOptimize(bytes.constData());
     }
     state.SetBytesProcessed(state.iterations() * f.tagged.size());
+    reportSize(state);
 }
 BENCHMARK(Dossier_TaggedWrite)->Unit(benchmark::kMillisecond);
 
@@ -386,6 +424,7 @@ void Dossier_DoubleTextBothWays(benchmark::State& state)
             both(s.deadTime.value);
         benchmark::DoNotOptimize(sum);
     }
+    reportSize(state);
 }
 BENCHMARK(Dossier_DoubleTextBothWays)->Unit(benchmark::kMillisecond);
 
@@ -403,6 +442,7 @@ void Dossier_RawRead(benchmark::State& state)
         benchmark::DoNotOptimize(d.IsInitialized());
     }
     state.SetBytesProcessed(state.iterations() * f.raw.size());
+    reportSize(state);
 }
 BENCHMARK(Dossier_RawRead)->Unit(benchmark::kMillisecond);
 
@@ -418,6 +458,7 @@ void Dossier_RawWrite(benchmark::State& state)
         benchmark::DoNotOptimize(bytes.constData());
     }
     state.SetBytesProcessed(state.iterations() * f.raw.size());
+    reportSize(state);
 }
 BENCHMARK(Dossier_RawWrite)->Unit(benchmark::kMillisecond);
 
@@ -476,6 +517,7 @@ void Dossier_RawWritePlainStructs(benchmark::State& state)
         writePlain(stream, bulk);
         benchmark::DoNotOptimize(bytes.constData());
     }
+    reportSize(state);
 }
 BENCHMARK(Dossier_RawWritePlainStructs)->Unit(benchmark::kMillisecond);
 
@@ -530,7 +572,25 @@ void Dossier_RawReadPlainStructs(benchmark::State& state)
         }
         benchmark::DoNotOptimize(bulk.pulses.constData());
     }
+    reportSize(state);
 }
 BENCHMARK(Dossier_RawReadPlainStructs)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+namespace dossier_bench {
+
+void setSizeMb(double megabytes)
+{
+    sizeMegabytes = megabytes;
+    const Counts n = counts();
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", megabytes);
+    benchmark::AddCustomContext("dossier_size_mb", text);
+    benchmark::AddCustomContext("dossier_lists",
+                                "pulses=" + std::to_string(n.pulses) + " pris=" + std::to_string(n.pris) +
+                                    " frequencies=" + std::to_string(n.frequencies) +
+                                    " sequences=" + std::to_string(n.sequences));
+}
+
+}  // namespace dossier_bench
