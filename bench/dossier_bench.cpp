@@ -148,6 +148,24 @@ PlainBulk plainBulk(const EmitterDossier& d)
     return bulk;
 }
 
+// Calls visit on every double of the bulk, always in the same order.
+template <class Bulk, class Visit>
+void forEachDouble(Bulk& bulk, Visit visit)
+{
+    for (auto& i : bulk.pulses) {
+        visit(i.norm.value);
+        visit(i.rise.value);
+        visit(i.fall.value);
+        visit(i.envelope.value);
+    }
+    for (auto& i : bulk.frequencies)
+        visit(i.value);
+    for (auto& i : bulk.pris)
+        visit(i.value);
+    for (auto& s : bulk.sequences)
+        visit(s.deadTime.value);
+}
+
 // Everything a run needs, made once.
 struct Fixture {
     EmitterDossier dossier = makeBigDossier();
@@ -409,19 +427,7 @@ void Dossier_DoubleTextBothWays(benchmark::State& state)
     const PlainBulk& bulk = Fixture::get().bulk;
     for (auto _ : state) {
         double sum = 0;
-        auto both = [&](double v) { sum += QByteArray::number(v, 'f', 2).toDouble(); };
-        for (const PlainPulse& i : bulk.pulses) {
-            both(i.norm.value);
-            both(i.rise.value);
-            both(i.fall.value);
-            both(i.envelope.value);
-        }
-        for (const PlainFrequency& i : bulk.frequencies)
-            both(i.value);
-        for (const PlainPri& i : bulk.pris)
-            both(i.value);
-        for (const PlainSequence& s : bulk.sequences)
-            both(s.deadTime.value);
+        forEachDouble(bulk, [&sum](double v) { sum += QByteArray::number(v, 'f', 2).toDouble(); });
         benchmark::DoNotOptimize(sum);
     }
     reportSize(state);
@@ -521,6 +527,45 @@ void Dossier_RawWritePlainStructs(benchmark::State& state)
 }
 BENCHMARK(Dossier_RawWritePlainStructs)->Unit(benchmark::kMillisecond);
 
+void readPlain(QDataStream& s, PlainBulk& bulk)
+{
+    char bitmap;
+    qint32 n;
+    s >> n;
+    bulk.frequencies.resize(n);
+    for (PlainFrequency& i : bulk.frequencies) {
+        s.readRawData(&bitmap, 1);
+        s >> i.id >> i.unit >> i.value;
+    }
+    s >> n;
+    bulk.pris.resize(n);
+    for (PlainPri& i : bulk.pris) {
+        s.readRawData(&bitmap, 1);
+        s >> i.id >> i.valType >> i.unit >> i.value;
+    }
+    s >> n;
+    bulk.sequences.resize(n);
+    for (PlainSequence& q : bulk.sequences) {
+        s.readRawData(&bitmap, 1);
+        s >> q.frequencyId >> q.deadTime;
+        s.readRawData(&bitmap, 1);
+        qint32 elements;
+        s >> elements;
+        q.elements.resize(elements);
+        for (PlainElement& e : q.elements) {
+            s.readRawData(&bitmap, 1);
+            s >> e.childId >> e.childType >> e.repetitions >> e.priId;
+        }
+        s >> q.id;
+    }
+    s >> n;
+    bulk.pulses.resize(n);
+    for (PlainPulse& i : bulk.pulses) {
+        s.readRawData(&bitmap, 1);
+        s >> i.pulseWidthId >> i.modulationId >> i.norm >> i.rise >> i.fall >> i.envelope >> i.id;
+    }
+}
+
 void Dossier_RawReadPlainStructs(benchmark::State& state)
 {
     QByteArray bytes;
@@ -535,46 +580,80 @@ void Dossier_RawReadPlainStructs(benchmark::State& state)
         buffer.open(QIODevice::ReadOnly);
         QDataStream s(&buffer);
         PlainBulk bulk;
-        char bitmap;
-        qint32 n;
-        s >> n;
-        bulk.frequencies.resize(n);
-        for (PlainFrequency& i : bulk.frequencies) {
-            s.readRawData(&bitmap, 1);
-            s >> i.id >> i.unit >> i.value;
-        }
-        s >> n;
-        bulk.pris.resize(n);
-        for (PlainPri& i : bulk.pris) {
-            s.readRawData(&bitmap, 1);
-            s >> i.id >> i.valType >> i.unit >> i.value;
-        }
-        s >> n;
-        bulk.sequences.resize(n);
-        for (PlainSequence& q : bulk.sequences) {
-            s.readRawData(&bitmap, 1);
-            s >> q.frequencyId >> q.deadTime;
-            s.readRawData(&bitmap, 1);
-            qint32 elements;
-            s >> elements;
-            q.elements.resize(elements);
-            for (PlainElement& e : q.elements) {
-                s.readRawData(&bitmap, 1);
-                s >> e.childId >> e.childType >> e.repetitions >> e.priId;
-            }
-            s >> q.id;
-        }
-        s >> n;
-        bulk.pulses.resize(n);
-        for (PlainPulse& i : bulk.pulses) {
-            s.readRawData(&bitmap, 1);
-            s >> i.pulseWidthId >> i.modulationId >> i.norm >> i.rise >> i.fall >> i.envelope >> i.id;
-        }
+        readPlain(s, bulk);
         benchmark::DoNotOptimize(bulk.pulses.constData());
     }
     reportSize(state);
 }
 BENCHMARK(Dossier_RawReadPlainStructs)->Unit(benchmark::kMillisecond);
+
+// --- Tagged yardsticks ---------------------------------------------------------------------
+
+// What the tagged form costs over the raw one is the two-decimal text of every
+// double. Its yardsticks are the plain raw write or read of the bulk together
+// with that text, written as byte arrays into the same stream after the raw
+// bytes, and parsed back into the doubles.
+
+void writeDoubleTexts(QDataStream& s, const PlainBulk& bulk)
+{
+    forEachDouble(bulk, [&s](double v) { s << QByteArray::number(v, 'f', 2); });
+}
+
+void readDoubleTexts(QDataStream& s, PlainBulk& bulk)
+{
+    forEachDouble(bulk, [&s](double& v) {
+        QByteArray text;
+        s >> text;
+        v = text.toDouble();
+    });
+}
+
+void Dossier_TaggedWriteYardstick(benchmark::State& state)
+{
+    const PlainBulk& bulk = Fixture::get().bulk;
+    qint64 written = 0;
+    for (auto _ : state) {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        writePlain(stream, bulk);
+        writeDoubleTexts(stream, bulk);
+        written = bytes.size();
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * written);
+    reportSize(state);
+}
+BENCHMARK(Dossier_TaggedWriteYardstick)->Unit(benchmark::kMillisecond);
+
+void Dossier_TaggedReadYardstick(benchmark::State& state)
+{
+    QByteArray bytes;
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QDataStream stream(&buffer);
+        writePlain(stream, Fixture::get().bulk);
+        writeDoubleTexts(stream, Fixture::get().bulk);
+    }
+    for (auto _ : state) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QDataStream s(&buffer);
+        PlainBulk bulk;
+        readPlain(s, bulk);
+        readDoubleTexts(s, bulk);
+        if (s.status() != QDataStream::Ok || !s.atEnd()) {
+            state.SkipWithError("the yardstick's bytes did not read back whole");
+            break;
+        }
+        benchmark::DoNotOptimize(bulk.pulses.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * bytes.size());
+    reportSize(state);
+}
+BENCHMARK(Dossier_TaggedReadYardstick)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
