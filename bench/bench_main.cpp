@@ -344,10 +344,23 @@ BENCHMARK(HeapHeld_Parameters10000Pulses)->DenseRange(0, 2)->Iterations(1)->Unit
 int main(int argc, char** argv)
 {
     static const char sizeOption[] = "--size_mb=";
+    static const char peakChildOption[] = "--peak_child=";
+    static const char peakFileOption[] = "--peak_file=";
     double sizeMb = 20;
+    const char* peakChild = nullptr;
+    const char* peakFile = nullptr;
     int kept = 1;
     for (int i = 1; i < argc; ++i) {
         const char* arg = argv[i];
+        // The private options of the child that Dossier_PeakRss runs.
+        if (std::strncmp(arg, peakChildOption, sizeof peakChildOption - 1) == 0) {
+            peakChild = arg + sizeof peakChildOption - 1;
+            continue;
+        }
+        if (std::strncmp(arg, peakFileOption, sizeof peakFileOption - 1) == 0) {
+            peakFile = arg + sizeof peakFileOption - 1;
+            continue;
+        }
         if (std::strncmp(arg, sizeOption, sizeof sizeOption - 1) == 0) {
             const char* value = arg + sizeof sizeOption - 1;
             char* end = nullptr;
@@ -364,6 +377,14 @@ int main(int argc, char** argv)
     }
     argc = kept;
     argv[argc] = nullptr;
+
+    if (peakChild || peakFile) {
+        if (!peakChild || !peakFile) {
+            std::fprintf(stderr, "%s: --peak_child and --peak_file go together\n", argv[0]);
+            return 2;
+        }
+        return dossier_bench::peakChild(peakChild, peakFile);
+    }
 
     dossier_bench::setSizeMb(sizeMb);
     benchmark::Initialize(&argc, argv);

@@ -10,16 +10,28 @@
 
 #include <benchmark/benchmark.h>
 
+#include <fcntl.h>
 #include <malloc.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <string>
 
 #include <QBuffer>
 #include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryFile>
+#include <QTextCodec>
+#include <QTextDecoder>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -232,6 +244,107 @@ void Dossier_HeapAfterRead(benchmark::State& state)
     state.counters["heap_per_xml_byte"] = double(held) / double(f.xmlBytes);
 }
 BENCHMARK(Dossier_HeapAfterRead)->DenseRange(0, 2)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+// The peak resident memory of reading the dossier's XML, once through each of
+// LoadXml (from a file), SetXmlString and SetXmlBytes, each in a fresh process
+// of its own: this program run again with --peak_child (see peakChild below).
+// The peak is given above the child's baseline, taken once Qt and the library
+// have started and the caller's input is in memory. The time is that of the
+// child's whole run, start-up included, and means nothing.
+
+// The dossier's XML as a file, written once; removed when the program ends.
+const QString& xmlFilePath()
+{
+    static std::unique_ptr<QTemporaryFile> file;
+    static QString path;
+    if (!file) {
+        file = std::make_unique<QTemporaryFile>(QDir::tempPath() + QStringLiteral("/edd_bench_dossier_XXXXXX.xml"));
+        const QByteArray& bytes = Fixture::get().xmlUtf8;
+        if (file->open() && file->write(bytes) == bytes.size() && file->flush())
+            path = file->fileName();
+    }
+    return path;
+}
+
+struct PeakResult {
+    std::string error;  // empty when the child ran and reported
+    long peakKib = 0;
+    long baselineKib = 0;
+};
+
+// Runs this program as a child to measure `form`, and reads its report.
+PeakResult runPeakChild(const char* form, const QString& path)
+{
+    PeakResult result;
+    int out[2];
+    if (pipe2(out, O_CLOEXEC) != 0) {
+        result.error = std::string("pipe: ") + std::strerror(errno);
+        return result;
+    }
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out[1], STDOUT_FILENO);
+    std::string program = "edd_bench";
+    std::string formArg = std::string("--peak_child=") + form;
+    std::string fileArg = "--peak_file=" + path.toStdString();
+    char* args[] = {&program[0], &formArg[0], &fileArg[0], nullptr};
+    pid_t pid = 0;
+    const int spawned = posix_spawn(&pid, "/proc/self/exe", &actions, nullptr, args, environ);
+    posix_spawn_file_actions_destroy(&actions);
+    close(out[1]);
+    if (spawned != 0) {
+        close(out[0]);
+        result.error = std::string("cannot start the child: ") + std::strerror(spawned);
+        return result;
+    }
+    std::string report;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t n = read(out[0], buffer, sizeof buffer);
+        if (n > 0)
+            report.append(buffer, size_t(n));
+        else if (n == 0 || errno != EINTR)
+            break;
+    }
+    close(out[0]);
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFSIGNALED(status)) {
+        result.error = std::string("the child was ended by signal ") + std::to_string(WTERMSIG(status));
+    } else if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+        result.error = std::string("the child failed with exit code ") + std::to_string(WEXITSTATUS(status));
+    } else if (std::sscanf(report.c_str(), "peak_kib=%ld baseline_kib=%ld", &result.peakKib, &result.baselineKib) !=
+               2) {
+        result.error = "the child's report cannot be read: '" + report + "'";
+    }
+    return result;
+}
+
+void Dossier_PeakRss(benchmark::State& state, const char* form)
+{
+    const QString& path = xmlFilePath();
+    PeakResult result;
+    for (auto _ : state) {
+        if (path.isEmpty())
+            result.error = "cannot write the XML to a temporary file";
+        else
+            result = runPeakChild(form, path);
+    }
+    if (!result.error.empty()) {
+        state.SkipWithError(result.error.c_str());
+        return;
+    }
+    const double peak = 1024.0 * double(result.peakKib - result.baselineKib);  // ru_maxrss is in KiB
+    const double xmlBytes = double(Fixture::get().xmlBytes);
+    state.counters["peak_bytes"] = peak;
+    state.counters["baseline_bytes"] = 1024.0 * double(result.baselineKib);
+    state.counters["xml_bytes"] = xmlBytes;
+    state.counters["peak_per_xml_byte"] = peak / xmlBytes;
+}
+BENCHMARK_CAPTURE(Dossier_PeakRss, LoadXml, "loadxml")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Dossier_PeakRss, SetXmlString, "setxmlstring")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Dossier_PeakRss, SetXmlBytes, "setxmlbytes")->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // --- XML ---------------------------------------------------------------------------------
 
@@ -675,9 +788,113 @@ void Dossier_TaggedReadYardstick(benchmark::State& state)
 }
 BENCHMARK(Dossier_TaggedReadYardstick)->Unit(benchmark::kMillisecond);
 
+long maxRssKib()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+// The whole text of a UTF-8 file into one QString, decoded a megabyte at a
+// time into room reserved up front: the high-water mark of the resident memory
+// then holds the text and little else, where decoding the whole file at once
+// would leave both its bytes and the text in it.
+bool readText(const QString& path, QString& text)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    text.reserve(int(file.size()));  // a UTF-8 byte for every UTF-16 unit at least
+    std::unique_ptr<QTextDecoder> decoder(QTextCodec::codecForName("UTF-8")->makeDecoder());
+    QByteArray chunk(1 << 20, Qt::Uninitialized);
+    qint64 n;
+    while ((n = file.read(chunk.data(), chunk.size())) > 0)
+        text += decoder->toUnicode(chunk.constData(), int(n));
+    return n == 0 && !decoder->hasFailure();
+}
+
+bool readBytes(const QString& path, QByteArray& bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    bytes = QByteArray(int(file.size()), Qt::Uninitialized);
+    return file.read(bytes.data(), bytes.size()) == bytes.size();
+}
+
+// One reader, once, in this process: the peak of its resident memory above
+// what the process held before it.
+int measurePeak(const QString& form, const QString& path)
+{
+    const bool loadXml = form == QLatin1String("loadxml");
+    const bool setXmlString = form == QLatin1String("setxmlstring");
+    const bool setXmlBytes = form == QLatin1String("setxmlbytes");
+    if (!loadXml && !setXmlString && !setXmlBytes) {
+        std::fprintf(stderr, "peak child: no reader '%s'\n", qPrintable(form));
+        return 2;
+    }
+    // Start-up: the same reader reads a small dossier first, to bring in the
+    // code and the static data of Qt and the library that every read needs.
+    {
+        const QByteArray small = testing_support::filledDossier().GetXmlString().toUtf8();
+        EmitterDossier warm;
+        bool ok;
+        if (loadXml) {
+            QTemporaryFile file(QDir::tempPath() + QStringLiteral("/edd_bench_small_XXXXXX.xml"));
+            ok = file.open() && file.write(small) == small.size() && file.flush() && warm.LoadXml(file.fileName());
+        } else if (setXmlString) {
+            ok = warm.SetXmlString(QString::fromUtf8(small), false);
+        } else {
+            ok = warm.SetXmlBytes(small);
+        }
+        if (!ok) {
+            std::fprintf(stderr, "peak child: the small dossier did not read\n");
+            return 1;
+        }
+    }
+    // The caller's input.
+    QString text;
+    QByteArray bytes;
+    if ((setXmlString && !readText(path, text)) || (setXmlBytes && !readBytes(path, bytes))) {
+        std::fprintf(stderr, "peak child: cannot read '%s'\n", qPrintable(path));
+        return 1;
+    }
+    const long baseline = maxRssKib();
+    EmitterDossier d;
+    const bool ok = loadXml ? d.LoadXml(path) : setXmlString ? d.SetXmlString(text, false) : d.SetXmlBytes(bytes);
+    const long peak = maxRssKib();
+    if (!ok) {
+        std::fprintf(stderr, "peak child: the dossier did not read\n");
+        return 1;
+    }
+    std::printf("peak_kib=%ld baseline_kib=%ld\n", peak, baseline);
+    return 0;
+}
+
 }  // namespace
 
 namespace dossier_bench {
+
+int peakChild(const char* form, const char* path)
+{
+    // A process started from another inherits the high-water mark of the one it
+    // replaced (Linux keeps it across exec), so a child of a benchmark process
+    // that holds the big dossier would report that process's peak. A process
+    // forked from this one, still small, starts its own count: it measures.
+    std::fflush(stdout);
+    std::fflush(stderr);
+    const pid_t pid = fork();
+    if (pid < 0) {
+        std::perror("peak child: fork");
+        return 1;
+    }
+    if (pid == 0)
+        return measurePeak(QString::fromLocal8Bit(form), QString::fromLocal8Bit(path));
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
 
 void setSizeMb(double megabytes)
 {
