@@ -1,5 +1,5 @@
-// A whole dossier of 20 MB of XML (or the size --size_mb=N asks for) through every form, each beside a
-// yardstick in the same run:
+// A whole dossier of 20 MB of XML (or the size --size_mb=N asks for) through
+// every form, each beside a yardstick in the same run:
 //   - XML read: a bare QXmlStreamReader token pass over the same text;
 //   - XML write: QXmlStreamWriter writing the bulk of the same content from plain structs;
 //   - raw read and write: plain QDataStream operators on the same numbers of the bulk;
@@ -7,6 +7,22 @@
 // The bulk is the lists of pulses, frequencies, PRIs and sequences with their
 // elements, more than 99 % of the record; the yardsticks leave out the few
 // hundred fields around them.
+//
+// The table of ratios, at 2, 20 or 200 MB:
+//
+//   build-rel/bench/edd_bench --size_mb=20 --benchmark_filter=Dossier_ \
+//       --benchmark_repetitions=5 --benchmark_report_aggregates_only=true
+//
+// Each ratio is the library's median time over its yardstick's:
+//   XML read      Dossier_XmlRead          / Dossier_XmlTokenPass
+//   XML write     Dossier_XmlWriteToWriter / Dossier_XmlWritePlainStructs
+//   raw write     Dossier_RawWrite         / Dossier_RawWritePlainStructs
+//   raw read      Dossier_RawRead          / Dossier_RawReadPlainStructs
+//   tagged write  Dossier_TaggedWrite      / Dossier_TaggedWriteYardstick
+//   tagged read   Dossier_TaggedRead       / Dossier_TaggedReadYardstick
+// Memory is measured apart from the timed runs: Dossier_HeapAfterRead (heap
+// held after each read) and Dossier_PeakRss/<reader> (peak resident memory of
+// one read in a fresh process), each beside the size of the XML.
 
 #include <benchmark/benchmark.h>
 
