@@ -365,7 +365,7 @@ int main(int argc, char** argv)
             const char* value = arg + sizeof sizeOption - 1;
             char* end = nullptr;
             sizeMb = std::strtod(value, &end);
-            // One QString holds the whole text, which stays well below 1 GB of characters.
+            // The whole text is one QString, which Qt 5 keeps below 2^30 characters.
             if (end == value || *end != '\0' || !std::isfinite(sizeMb) || sizeMb <= 0 || sizeMb > 1000) {
                 std::fprintf(stderr, "%s: --size_mb takes a number of megabytes above 0 and up to 1000, not '%s'\n",
                              argv[0], value);
