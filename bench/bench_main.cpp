@@ -1,12 +1,19 @@
 // Speed of the three forms per object, against plain QDataStream operators
 // writing the same numbers, and the heap a loaded list holds.
 //
-//   edd_bench [--benchmark_filter=...]
+//   edd_bench [--size_mb=N] [--benchmark_filter=...]
+//
+// --size_mb=N sets the size of the whole dossier of dossier_bench.cpp in
+// megabytes of XML (default 20).
 
 #include <benchmark/benchmark.h>
 
 #include <malloc.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include <QBuffer>
@@ -15,6 +22,7 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include "DossierBench.h"
 #include "support/SampleTrees.h"
 
 using namespace EMITTERDOSSIERDOC;
@@ -332,4 +340,57 @@ BENCHMARK(HeapHeld_Parameters10000Pulses)->DenseRange(0, 2)->Iterations(1)->Unit
 
 }  // namespace
 
-BENCHMARK_MAIN();
+// Takes this program's own options out of argv, then hands the rest to Google Benchmark.
+int main(int argc, char** argv)
+{
+    static const char sizeOption[] = "--size_mb=";
+    static const char peakChildOption[] = "--peak_child=";
+    static const char peakFileOption[] = "--peak_file=";
+    double sizeMb = 20;
+    const char* peakChild = nullptr;
+    const char* peakFile = nullptr;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        const char* arg = argv[i];
+        // The private options of the child that Dossier_PeakRss runs.
+        if (std::strncmp(arg, peakChildOption, sizeof peakChildOption - 1) == 0) {
+            peakChild = arg + sizeof peakChildOption - 1;
+            continue;
+        }
+        if (std::strncmp(arg, peakFileOption, sizeof peakFileOption - 1) == 0) {
+            peakFile = arg + sizeof peakFileOption - 1;
+            continue;
+        }
+        if (std::strncmp(arg, sizeOption, sizeof sizeOption - 1) == 0) {
+            const char* value = arg + sizeof sizeOption - 1;
+            char* end = nullptr;
+            sizeMb = std::strtod(value, &end);
+            // The whole text is one QString, which Qt 5 keeps below 2^30 characters.
+            if (end == value || *end != '\0' || !std::isfinite(sizeMb) || sizeMb <= 0 || sizeMb > 1000) {
+                std::fprintf(stderr, "%s: --size_mb takes a number of megabytes above 0 and up to 1000, not '%s'\n",
+                             argv[0], value);
+                return 1;
+            }
+            continue;
+        }
+        argv[kept++] = argv[i];
+    }
+    argc = kept;
+    argv[argc] = nullptr;
+
+    if (peakChild || peakFile) {
+        if (!peakChild || !peakFile) {
+            std::fprintf(stderr, "%s: --peak_child and --peak_file go together\n", argv[0]);
+            return 2;
+        }
+        return dossier_bench::peakChild(peakChild, peakFile);
+    }
+
+    dossier_bench::setSizeMb(sizeMb);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
