@@ -2,6 +2,10 @@
 // record a tag, a length word and a payload. Lengths are written as
 // placeholders and patched by seeking back once the payload is complete.
 
+#include <cstring>
+
+#include <QtEndian>
+
 #include "recordkit/Converters.h"
 #include "schema/frame/DataIn.h"
 #include "schema/frame/Limits.h"
@@ -35,32 +39,91 @@ private:
     qint64 m_start = 0;
 };
 
+// The head of a record and a payload of known size, put together in the
+// stream's byte order and handed to the device in one write: the device's
+// write path costs more than the few bytes of a record.
+class RecordBytes {
+public:
+    explicit RecordBytes(const QDataStream& stream) : m_bigEndian(stream.byteOrder() == QDataStream::BigEndian) {}
+    RecordBytes& word(quint32 v)
+    {
+        m_bigEndian ? qToBigEndian(v, m_bytes + m_size) : qToLittleEndian(v, m_bytes + m_size);
+        m_size += 4;
+        return *this;
+    }
+    RecordBytes& doubleWord(quint64 v)
+    {
+        m_bigEndian ? qToBigEndian(v, m_bytes + m_size) : qToLittleEndian(v, m_bytes + m_size);
+        m_size += 8;
+        return *this;
+    }
+    RecordBytes& byte(char v)
+    {
+        m_bytes[m_size++] = v;
+        return *this;
+    }
+    RecordBytes& text(const char* data, int size)
+    {
+        std::memcpy(m_bytes + m_size, data, size_t(size));
+        m_size += size;
+        return *this;
+    }
+    void writeTo(QDataStream& stream) const { stream.writeRawData(m_bytes, m_size); }
+
+private:
+    char m_bytes[16 + DoubleTextCapacity];
+    int m_size = 0;
+    bool m_bigEndian;
+};
+
+// Records whose payload size is known ahead are written with their length
+// at once; only blocks and lists are patched. A byte array is its count and
+// bytes, a null one its count 0xFFFFFFFF alone.
+quint32 byteCount(const QDataStream& stream, const QByteArray& bytes)
+{
+    return bytes.isNull() && stream.version() >= QDataStream::Qt_3_3 ? 0xFFFFFFFFu : quint32(bytes.size());
+}
+
+// A byte array after `head`: its length word, then the array.
+void writeSizedBytes(QDataStream& stream, RecordBytes head, const QByteArray& bytes)
+{
+    head.word(quint32(4 + bytes.size())).word(byteCount(stream, bytes)).writeTo(stream);
+    if (!bytes.isEmpty())
+        stream.writeRawData(bytes.constData(), bytes.size());
+}
+
 void writeBytesRecord(QDataStream& stream, quint32 tag, const QByteArray& bytes)
 {
-    stream << qint32(tag);
-    LengthWord length(stream);
-    stream << bytes;
-    length.patch();
+    writeSizedBytes(stream, RecordBytes(stream).word(tag), bytes);
 }
 
 // A double as the UTF-8 bytes of its two-decimal text.
 void writeDoubleRecord(QDataStream& stream, quint32 tag, double value)
 {
-    stream << qint32(tag);
-    LengthWord length(stream);
     char text[DoubleTextCapacity];
     const int n = doubleTextFast(value, text);
-    if (n >= 0) {
-        stream << qint32(n);
-        stream.writeRawData(text, n);
-    } else {
-        stream << doubleText(value).toUtf8();
+    if (n < 0) {
+        writeBytesRecord(stream, tag, doubleText(value).toUtf8());
+        return;
     }
-    length.patch();
+    RecordBytes(stream).word(tag).word(quint32(4 + n)).word(quint32(n)).text(text, n).writeTo(stream);
 }
 
-template <class T>
-void writeRawRecord(QDataStream& stream, quint32 tag, T value)
+void writeRawRecord(QDataStream& stream, quint32 tag, qint64 value)
+{
+    if (stream.version() < QDataStream::Qt_4_0) {  // the oldest versions write it in two halves
+        stream << qint32(tag) << qint32(8) << value;
+        return;
+    }
+    RecordBytes(stream).word(tag).word(8).doubleWord(quint64(value)).writeTo(stream);
+}
+
+void writeRawRecord(QDataStream& stream, quint32 tag, bool value)
+{
+    RecordBytes(stream).word(tag).word(1).byte(value ? 1 : 0).writeTo(stream);
+}
+
+void writeRawRecord(QDataStream& stream, quint32 tag, const QString& value)
 {
     stream << qint32(tag);
     LengthWord length(stream);
@@ -142,9 +205,8 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
             stream << qint32(n);
             for (int k = 0; k < n; ++k) {
                 const qint8 index = qint8(values.at(list, k));
-                LengthWord valueLength(stream);
-                stream << (index >= 0 && index < names.size() ? names.at(index).toUtf8() : QByteArray());
-                valueLength.patch();
+                const QByteArray name = index >= 0 && index < names.size() ? names.at(index).toUtf8() : QByteArray();
+                writeSizedBytes(stream, RecordBytes(stream), name);
             }
             length.patch();
             break;
