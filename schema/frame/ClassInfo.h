@@ -48,6 +48,7 @@ struct ListOps {
     void (*append)(void* list, const Record& item);  // shares the item's payload
     void (*removeLast)(void* list);
     void (*clear)(void* list);
+    void (*trim)(void* list);  // gives back room well beyond the items held
     const QString& (*itemName)();
 };
 

@@ -39,13 +39,19 @@ struct ListOpsFor {
     static void append(void* p, const Record& item) { list(p).append(static_cast<const C&>(item)); }
     static void removeLast(void* p) { list(p).removeLast(); }
     static void clear(void* p) { list(p).clear(); }
+    static void trim(void* p)
+    {
+        List& l = list(p);
+        if (l.capacity() - l.size() > l.size() / 8)
+            l.squeeze();
+    }
     static const QString& itemName()
     {
         static const QString name = C::GetStaticObjectName();
         return name;
     }
     static constexpr ListOps ops = {&size, &at, &cat, &reserve, &appendDefault,
-                                    &append, &removeLast, &clear, &itemName};
+                                    &append, &removeLast, &clear, &trim, &itemName};
 };
 
 template <class E>

@@ -161,6 +161,11 @@ void Runtime::readXml(Record& r, QXmlStreamReader& reader)
     // setting when it is made.
     handDown(r);
     r.IRKObject::ProcessXml(reader);
+    // Lists grew by doubling while their items came; now their size is known.
+    const ClassInfo& info = r.GetClassInfo();
+    for (int i = 0; i < info.fieldCount; ++i)
+        if (info.fields[i].kind == Kind::List)
+            info.fields[i].listOps().trim(field(payload(r), info.fields[i]));
 }
 
 void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)

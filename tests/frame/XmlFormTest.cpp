@@ -247,3 +247,25 @@ TEST(XmlLists, AnItemWhoseReadRaisesIsNotKept)
     EXPECT_FALSE(first.IsPRIItemSet());
     EXPECT_EQ(first, PRIList());
 }
+
+TEST(XmlLists, AListReadFromXmlHoldsLittleRoomBeyondItsItems)
+{
+    // Items come one at a time and the list grows by doubling; once the
+    // element ends, the room beyond its items is given back.
+    for (int count : {1, 5, 1000, 5000}) {
+        Alternatives written;
+        for (int i = 0; i < count; ++i) {
+            Alternative a;
+            a.SetName(QStringLiteral("A%1").arg(i));
+            a.SetDatabaseID(QStringLiteral("D"));
+            a.SetConfidence(0.5);
+            written.AppendAlternative(a);
+        }
+        Alternatives read;
+        ASSERT_TRUE(read.SetXmlString(written.GetXmlString(), false));
+        const QVector<Alternative>& items = read.GetAlternative();
+        ASSERT_EQ(items.size(), count);
+        EXPECT_LE(items.capacity() - items.size(), items.size() / 8) << count;
+        EXPECT_EQ(read, written);
+    }
+}
