@@ -14,6 +14,7 @@ namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
 class DataIn;
+struct TextRoom;
 
 // An item that a reader makes in place at the end of a list and reads there.
 // It stays only if its read completes and the list's append rule takes it: an
@@ -122,6 +123,7 @@ public:
 
     // --- Forms ----------------------------------------------------------------------
     static void writeXml(const Record& r, QXmlStreamWriter& writer);
+    static void writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room);
     static void readXml(Record& r, QXmlStreamReader& reader);
     static void readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader);
     static void readXmlChildElement(Record& r, QXmlStreamReader& reader);

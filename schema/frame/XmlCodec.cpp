@@ -23,7 +23,65 @@ static void reportMissing(const Record& r, const FieldInfo& f)
     Runtime::report(r, e);
 }
 
+// Texts that a write makes for one value after another. A number is made
+// in `number`, whose storage serves every number without an allocation each
+// (the writer copies what it is given); texts and names are the field's own.
+struct TextRoom {
+    QString number;
+    QString other;
+};
+
+static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
+{
+    char digits[DoubleTextCapacity];
+    int n = -1;
+    switch (f.kind) {
+    case Kind::Double:
+        n = doubleTextFast(Runtime::value<double>(p, f), digits);
+        break;
+    case Kind::UInt64: {
+        char reversed[20];
+        int count = 0;
+        quint64 v = Runtime::value<quint64>(p, f);
+        do {
+            reversed[count++] = char('0' + v % 10);
+            v /= 10;
+        } while (v);
+        for (n = 0; n < count; ++n)
+            digits[n] = reversed[count - 1 - n];
+        break;
+    }
+    case Kind::Text:
+        return Runtime::value<QString>(p, f);
+    case Kind::Enum: {
+        const QStringList& names = *f.enumInfo().names;
+        const qint8 index = qint8(Runtime::value<quint8>(p, f));
+        if (index >= 0 && index < names.size())
+            return names.at(index);
+        break;
+    }
+    default:
+        break;
+    }
+    if (n < 0) {
+        room.other = fieldText(p, f);
+        return room.other;
+    }
+    room.number.resize(n);
+    QChar* out = room.number.data();
+    for (int i = 0; i < n; ++i)
+        out[i] = QLatin1Char(digits[i]);
+    return room.number;
+}
+
 void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
+{
+    TextRoom room;
+    room.number.reserve(DoubleTextCapacity);
+    writeXml(r, writer, room);
+}
+
+void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room)
 {
     // Flag and logger have been handed down and the tree checked where the write began.
     if (r.GetValidate() && !r.HasData())
@@ -36,7 +94,7 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         if (f.xml == XmlForm::Attribute && written(p, f))
-            writer.writeAttribute(*f.name, fieldText(p, f));
+            writer.writeAttribute(*f.name, textOf(p, f, room));
     }
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
@@ -45,18 +103,18 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
         case XmlForm::Attribute: break;
         case XmlForm::Content:
             if (written(p, f))
-                writer.writeCharacters(fieldText(p, f));
+                writer.writeCharacters(textOf(p, f, room));
             break;
         case XmlForm::Element:
             if (written(p, f))
-                writer.writeTextElement(*f.name, fieldText(p, f));
+                writer.writeTextElement(*f.name, textOf(p, f, room));
             break;
         case XmlForm::Child: {
             const Record& c = child(p, f);
             if (f.mandatory && !c.HasData())
                 reportMissing(r, f);
             if (set)
-                writeXml(c, writer);
+                writeXml(c, writer, room);
             break;
         }
         case XmlForm::List: {
@@ -77,7 +135,7 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
                 if (!item.HasData() && !f.has(NoIncompleteItemReport))
                     reportMissing(r, f);
                 if (set)
-                    writeXml(item, writer);
+                    writeXml(item, writer, room);
             }
             break;
         }

@@ -269,3 +269,16 @@ TEST(XmlLists, AListReadFromXmlHoldsLittleRoomBeyondItsItems)
         EXPECT_EQ(read, written);
     }
 }
+
+TEST(XmlWriting, WholeNumbersAreWrittenAsQtWritesThem)
+{
+    for (quint64 value : {quint64(0), quint64(9), quint64(10), quint64(1234567890123ULL), ~quint64(0)}) {
+        PulseItem item;
+        item.Setid(value);
+        item.SetPulseWidthID(value);
+        const QString xml = item.GetXmlString();
+        const QString text = QString::number(value);
+        EXPECT_TRUE(xml.contains(QStringLiteral("id=\"%1\"").arg(text))) << xml.toStdString();
+        EXPECT_TRUE(xml.contains(QStringLiteral("<PulseWidthID>%1</PulseWidthID>").arg(text))) << xml.toStdString();
+    }
+}
