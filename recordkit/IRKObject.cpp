@@ -174,7 +174,9 @@ bool IRKObject::SaveXml(const QString& fileName) const
 
 void IRKObject::ProcessXml(QXmlStreamReader& reader)
 {
-    const QString element = reader.name().toString();
+    // Most elements bear their object's name, which then serves without a copy.
+    QString other;
+    const QString& element = reader.name() == m_objectName ? m_objectName : (other = reader.name().toString());
     while (!reader.atEnd()) {
         reader.readNext();
         if (reader.isEndElement() && reader.name() == element)

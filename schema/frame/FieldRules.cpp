@@ -291,6 +291,15 @@ quint8 Runtime::enumIndex(const FieldInfo& f, const QString& name)
     return index < 0 ? quint8(0xFF) : quint8(index);
 }
 
+quint8 Runtime::enumIndex(const FieldInfo& f, const QStringRef& name)
+{
+    const QStringList& names = *f.enumInfo().names;
+    for (int i = 0; i < names.size(); ++i)
+        if (names.at(i) == name)
+            return quint8(i);
+    return quint8(0xFF);
+}
+
 quint8 Runtime::enumIndex(const FieldInfo& f, QLatin1String name)
 {
     const QStringList& names = *f.enumInfo().names;

@@ -109,6 +109,7 @@ public:
     // The index of `name` in the field's name list, 0xFF if it is not there.
     static quint8 enumIndex(const FieldInfo& f, const QString& name);
     static quint8 enumIndex(const FieldInfo& f, QLatin1String name);
+    static quint8 enumIndex(const FieldInfo& f, const QStringRef& name);
     // Appends a copy of `item`, with the test of completeness.
     static void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
     // Appends an enumeration value to a list of them, with the test of validity.

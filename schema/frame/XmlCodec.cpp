@@ -193,16 +193,79 @@ static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QStri
     p.set(f.bit);
 }
 
+// Numbers and enumeration names are read from the reader's own text, without
+// a copy; they read as they read from a QString.
+static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStringRef& text, bool fromAttribute)
+{
+    switch (f.kind) {
+    case Kind::Double:
+        Runtime::value<double>(p, f) = text.toDouble();
+        break;
+    case Kind::UInt64:
+        Runtime::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
+        break;
+    case Kind::Enum:
+        Runtime::storeEnum(r, p, f, Runtime::enumIndex(f, text));
+        return true;
+    default:
+        return false;
+    }
+    p.set(f.bit);
+    return true;
+}
+
 void Runtime::readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader)
 {
     const ClassInfo& info = r.GetClassInfo();
     const QXmlStreamAttributes attributes = reader.attributes();
+    if (attributes.isEmpty())
+        return;
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
-        if (f.xml == XmlForm::Attribute && attributes.hasAttribute(*f.name))
-            storeFromText(r, p, f, attributes.value(*f.name).toString(), true);
+        if (f.xml != XmlForm::Attribute)
+            continue;
+        for (const QXmlStreamAttribute& attribute : attributes) {
+            if (attribute.qualifiedName() != *f.name)
+                continue;
+            if (!storeFromRef(r, p, f, attribute.value(), true))
+                storeFromText(r, p, f, attribute.value().toString(), true);
+            break;
+        }
     }
 }
+
+// The text of the element the reader stands on, as readElementText with
+// SkipChildElements reads it, into storage that serves one number after
+// another without an allocation each. Only numbers are read this way: they
+// read the same from an empty text as from a null one.
+static const QString& numberText(QXmlStreamReader& reader)
+{
+    static thread_local QString text;
+    text.truncate(0);
+    if (!reader.isStartElement())
+        return text;
+    for (;;) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::Characters:
+        case QXmlStreamReader::EntityReference:
+            text.append(reader.text());
+            break;
+        case QXmlStreamReader::EndElement:
+            return text;
+        case QXmlStreamReader::ProcessingInstruction:
+        case QXmlStreamReader::Comment:
+            break;
+        case QXmlStreamReader::StartElement:
+            reader.skipCurrentElement();
+            break;
+        default:
+            if (reader.hasError())
+                return text;
+        }
+    }
+}
+
+static bool isNumber(const FieldInfo& f) { return f.kind == Kind::Double || f.kind == Kind::UInt64; }
 
 void Runtime::readXml(Record& r, QXmlStreamReader& reader)
 {
@@ -238,7 +301,10 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
         switch (f.xml) {
         case XmlForm::Attribute:
         case XmlForm::Element:
-            storeFromText(r, p, f, textValue(r, reader), false);
+            if (isNumber(f))
+                storeFromRef(r, p, f, QStringRef(&numberText(reader)), false);
+            else
+                storeFromText(r, p, f, textValue(r, reader), false);
             break;
         case XmlForm::Child:
             child(p, f).ProcessXml(reader);
@@ -278,23 +344,34 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
 
 void Runtime::readLeafXml(Record& r, QXmlStreamReader& reader)
 {
-    const QString tag = reader.name().toString();
+    // Most elements bear their object's name, which then serves without a copy.
+    QString other;
+    const QString& tag = reader.name() == r.GetObjectName() ? r.GetObjectName() : (other = reader.name().toString());
     Payload& p = payload(r);
     readXmlAttributes(r, p, reader);
-    const QString text = textValue(r, reader);
     const ClassInfo& info = r.GetClassInfo();
-    for (int i = 0; i < info.fieldCount; ++i) {
-        const FieldInfo& f = info.fields[i];
-        if (f.xml != XmlForm::Content)
-            continue;
+    // A leaf has at most one content field; the generator refuses a second.
+    const FieldInfo* content = nullptr;
+    for (int i = 0; i < info.fieldCount && !content; ++i)
+        if (info.fields[i].xml == XmlForm::Content)
+            content = &info.fields[i];
+    if (content && isNumber(*content)) {
         // The content goes straight into the field, without the setter's test.
-        switch (f.kind) {
-        case Kind::Double: value<double>(p, f) = text.toDouble(); break;
-        case Kind::UInt64: value<quint64>(p, f) = quint64(text.toLongLong()); break;
-        case Kind::Text: value<QString>(p, f) = text.isNull() ? QStringLiteral("") : text; break;
-        default: storeFromText(r, p, f, text, false); break;
+        const QString& text = numberText(reader);
+        if (content->kind == Kind::Double)
+            value<double>(p, *content) = text.toDouble();
+        else
+            value<quint64>(p, *content) = quint64(text.toLongLong());
+        p.set(content->bit);
+    } else {
+        const QString text = textValue(r, reader);
+        if (content) {
+            if (content->kind == Kind::Text)
+                value<QString>(p, *content) = text.isNull() ? QStringLiteral("") : text;
+            else
+                storeFromText(r, p, *content, text, false);
+            p.set(content->bit);
         }
-        p.set(f.bit);
     }
     while (!reader.atEnd() && reader.name() != tag)
         reader.readNext();
