@@ -282,3 +282,21 @@ TEST(XmlWriting, WholeNumbersAreWrittenAsQtWritesThem)
         EXPECT_TRUE(xml.contains(QStringLiteral("<PulseWidthID>%1</PulseWidthID>").arg(text))) << xml.toStdString();
     }
 }
+
+TEST(XmlReading, NumbersAreGatheredAcrossCommentsEntitiesAndSkippedChildren)
+{
+    // The text of a number is what readElementText gives with child elements skipped.
+    PulseItem item;
+    ASSERT_TRUE(item.SetXmlString(QStringLiteral("<PulseItem id=\" 7\">"
+                                                 "<PulseWidthID>1<!-- note -->2<x>99</x>3</PulseWidthID>"
+                                                 "<ModulationID><![CDATA[4]]>&#53;</ModulationID>"
+                                                 "<NormLevel unit=\"dB\">-1<?pi?>2.5<y/></NormLevel>"
+                                                 "</PulseItem>"),
+                                  false));
+    EXPECT_EQ(item.Getid(), 7u);
+    EXPECT_EQ(item.GetPulseWidthID(), 123u);
+    EXPECT_EQ(item.GetModulationID(), 45u);
+    EXPECT_EQ(item.GetNormLevel().GetValue(), -12.5);
+    EXPECT_TRUE(item.GetNormLevel().IsunitSet());
+    EXPECT_EQ(item.GetNormLevel().Getunit(), item.GetNormLevel().NameTounit(QStringLiteral("dB")));
+}
