@@ -2,6 +2,7 @@
 // tags, no lengths and no text. Exact, compact, and tied to this layout.
 
 #include "schema/frame/DataIn.h"
+#include "schema/frame/DataOut.h"
 #include "schema/frame/Limits.h"
 #include "schema/frame/RawDateTime.h"
 #include "schema/frame/Runtime.h"
@@ -11,46 +12,52 @@ namespace Frame {
 
 void Runtime::writeRaw(const Record& r, QDataStream& stream)
 {
+    DataOut out(stream);
+    writeRaw(r, out);
+}
+
+void Runtime::writeRaw(const Record& r, DataOut& out)
+{
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
     // The bitmap: bit i at byte i / 8, least significant bit first.
     char bitmap[4];
     for (int i = 0; i < info.bitmapBytes(); ++i)
         bitmap[i] = char(p.presence >> (8 * i));
-    stream.writeRawData(bitmap, info.bitmapBytes());
+    out.writeRaw(bitmap, info.bitmapBytes());
     if (info.version)
-        stream << version(p, *info.version);
+        out.viaStream([&](QDataStream& stream) { stream << version(p, *info.version); });
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
         const bool present = written(p, f);
         switch (f.kind) {
         case Kind::Double:
             if (present)
-                stream << value<double>(p, f);
+                out << value<double>(p, f);
             break;
         case Kind::UInt64:
             if (present)
-                stream << qint64(value<quint64>(p, f));
+                out << qint64(value<quint64>(p, f));
             break;
         case Kind::Enum:
             if (present)
-                stream << qint8(value<quint8>(p, f));
+                out << qint8(value<quint8>(p, f));
             break;
         case Kind::Text:
             if (present)
-                stream << value<QString>(p, f);
+                out.viaStream([&](QDataStream& stream) { stream << value<QString>(p, f); });
             break;
         case Kind::DateTime:
             if (present)
-                stream << value<QDateTime>(p, f);
+                out.viaStream([&](QDataStream& stream) { stream << value<QDateTime>(p, f); });
             break;
         case Kind::Bool:
             if (present)
-                stream << value<bool>(p, f);
+                out << value<bool>(p, f);
             break;
         case Kind::Child:
             if (p.test(bit))
-                writeRaw(child(p, f), stream);
+                writeRaw(child(p, f), out);
             break;
         case Kind::List: {
             if (f.has(OmitWhenEmpty) && !p.test(bit))
@@ -58,19 +65,19 @@ void Runtime::writeRaw(const Record& r, QDataStream& stream)
             const void* list = field(p, f);
             const ListOps& ops = f.listOps();
             const int n = ops.size(list);
-            stream << qint32(n);
+            out << qint32(n);
             if (p.test(bit))
                 for (int k = 0; k < n; ++k)
-                    writeRaw(ops.cat(list, k), stream);
+                    writeRaw(ops.cat(list, k), out);
             break;
         }
         case Kind::EnumList: {
             const void* list = field(p, f);
             const EnumListInfo& values = f.enumListInfo();
             const int n = values.size(list);
-            stream << qint32(n);
+            out << qint32(n);
             for (int k = 0; k < n; ++k)
-                stream << qint8(values.at(list, k));
+                out << qint8(values.at(list, k));
             break;
         }
         }

@@ -14,6 +14,7 @@ namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
 class DataIn;
+class DataOut;
 struct TextRoom;
 
 // An item that a reader makes in place at the end of a list and reads there.
@@ -136,6 +137,7 @@ public:
     static void readTagged(Record& r, DataIn& in, qint64 length);
 
     static void writeRaw(const Record& r, QDataStream& stream);
+    static void writeRaw(const Record& r, DataOut& out);
     static void readRaw(Record& r, QDataStream& stream);
     static void readRaw(Record& r, DataIn& in);
 };

@@ -88,6 +88,7 @@ void expectSameEverywhere(Form form)
         EXPECT_EQ(complete, read(form, whole, order, false));
         EXPECT_EQ(complete.position, whole.size());
         EXPECT_EQ(complete.status, QDataStream::Ok);
+        EXPECT_EQ(complete.record, dossier.GetBinaryRepresentationAsQByteArray());
         // Every cut, and a flipped bit in every byte.
         for (int size = 0; size < whole.size(); ++size) {
             const QByteArray cut = whole.left(size);
@@ -158,5 +159,38 @@ TEST(DirectRead, DoubleTextsOfEveryShapeReadAsQtReadsThem)
         }
         ASSERT_EQ(read.GetMean(), expected) << text.constData();
         ASSERT_EQ(std::signbit(read.GetMean()), std::signbit(expected)) << text.constData();
+    }
+}
+
+TEST(DirectWrite, TheRawFormFollowsTheStreamsSettings)
+{
+    BeamDuration b;
+    b.Setunit(b.NameTounit(QStringLiteral("ns")));
+    b.SetMean(1250.75);
+    b.SetMin(1200.5);
+    b.SetMax(1300.25);
+    b.SetTol(12.5);
+    // Each way of writing a double, beside the stream's own operators.
+    for (QDataStream::ByteOrder order : {QDataStream::BigEndian, QDataStream::LittleEndian}) {
+        for (QDataStream::FloatingPointPrecision precision : {QDataStream::DoublePrecision, QDataStream::SinglePrecision}) {
+            for (int version : {int(QDataStream::Qt_3_3), int(QDataStream::Qt_4_6), int(QDataStream::Qt_5_15)}) {
+                QByteArray bytes;
+                QDataStream stream(&bytes, QIODevice::WriteOnly);
+                stream.setByteOrder(order);
+                stream.setFloatingPointPrecision(precision);
+                stream.setVersion(version);
+                b.GetVersionSpecificBinaryWithoutValidation(stream);
+
+                QByteArray expected;
+                QDataStream plain(&expected, QIODevice::WriteOnly);
+                plain.setByteOrder(order);
+                plain.setFloatingPointPrecision(precision);
+                plain.setVersion(version);
+                const char bitmap = 0x1f;
+                plain.writeRawData(&bitmap, 1);
+                plain << b.GetMean() << b.GetMin() << b.GetMax() << b.GetTol() << qint8(b.Getunit());
+                EXPECT_EQ(bytes.toHex(), expected.toHex()) << order << " " << precision << " " << version;
+            }
+        }
     }
 }
