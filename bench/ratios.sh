@@ -6,7 +6,9 @@
 #   bench/ratios.sh [SIZE_MB [REPETITIONS]]     (defaults: 20 and 5)
 #
 # EDD_BENCH names the benchmark program (default: build-rel/bench/edd_bench of
-# this checkout). Times are the real ("Time") medians over the repetitions.
+# this checkout). Times are the real ("Time") medians over the repetitions,
+# which run interleaved in random order so that a busy spell of the machine
+# falls on both sides of a ratio alike.
 # Needs python3 to read the JSON.
 set -euo pipefail
 
@@ -28,7 +30,8 @@ json=$(mktemp)
 trap 'rm -f "$json"' EXIT
 
 nice "$bench" --size_mb="$size_mb" --benchmark_filter=Dossier_ \
-    --benchmark_repetitions="$repetitions" --benchmark_report_aggregates_only=true \
+    --benchmark_repetitions="$repetitions" --benchmark_enable_random_interleaving=true \
+    --benchmark_report_aggregates_only=true \
     --benchmark_format=json >"$json"
 
 python3 - "$json" <<'EOF'
