@@ -1,10 +1,12 @@
 #pragma once
 
-// The writing side of the raw form. Internal to the library.
+// The writing side of the binary forms. Internal to the library.
 
 #include <cstring>
 
+#include <QByteArray>
 #include <QDataStream>
+#include <QIODevice>
 #include <QtEndian>
 
 namespace EMITTERDOSSIERDOC {
@@ -20,9 +22,10 @@ class DataOut {
 public:
     explicit DataOut(QDataStream& stream)
         : m_stream(stream),
-          m_gathered(stream.version() >= QDataStream::Qt_4_6 &&
+          m_gathered(stream.device() && stream.version() >= QDataStream::Qt_4_6 &&
                      stream.floatingPointPrecision() == QDataStream::DoublePrecision),
-          m_swap((stream.byteOrder() == QDataStream::BigEndian) != (Q_BYTE_ORDER == Q_BIG_ENDIAN))
+          m_swap((stream.byteOrder() == QDataStream::BigEndian) != (Q_BYTE_ORDER == Q_BIG_ENDIAN)),
+          m_base(stream.device() ? stream.device()->pos() : 0)
     {
     }
     ~DataOut() { flush(); }
@@ -30,6 +33,7 @@ public:
     DataOut& operator=(const DataOut&) = delete;
 
     DataOut& operator<<(qint8 v) { return write(v); }
+    DataOut& operator<<(quint32 v) { return write(v); }
     DataOut& operator<<(bool v) { return write(qint8(v ? 1 : 0)); }
     DataOut& operator<<(qint32 v) { return write(v); }
     DataOut& operator<<(qint64 v) { return write(v); }
@@ -45,14 +49,32 @@ public:
     }
     void writeRaw(const char* data, int size)
     {
-        if (!m_gathered || size > Capacity) {
+        if (!m_gathered) {
+            m_stream.writeRawData(data, size);
+            return;
+        }
+        if (size > Capacity) {
             flush();
             m_stream.writeRawData(data, size);
+            m_base = m_stream.device()->pos();
             return;
         }
         room(size);
         std::memcpy(m_bytes + m_size, data, size_t(size));
         m_size += size;
+    }
+
+    // A byte array as QDataStream writes it: its count, then its bytes; a
+    // null array its count 0xFFFFFFFF alone.
+    void writeBytes(const QByteArray& bytes)
+    {
+        if (!m_gathered) {
+            m_stream << bytes;
+            return;
+        }
+        write(bytes.isNull() ? quint32(0xFFFFFFFFu) : quint32(bytes.size()));
+        if (!bytes.isEmpty())
+            writeRaw(bytes.constData(), bytes.size());
     }
 
     // The stream, with everything gathered so far written, for Qt's own operators.
@@ -61,6 +83,36 @@ public:
     {
         flush();
         write(m_stream);
+        m_base = m_stream.device() ? m_stream.device()->pos() : 0;
+    }
+
+    // Where the next byte goes, as the device counts its position.
+    qint64 position() const
+    {
+        if (!m_gathered)
+            return m_stream.device() ? m_stream.device()->pos() : 0;
+        return m_base + m_size;
+    }
+    // Writes `value` over the word at an earlier position: among the gathered
+    // bytes if it is still there, else on the device, seeking back and forth.
+    void patch(qint64 at, qint32 value)
+    {
+        if (m_gathered && at >= m_base && at - m_base + 4 <= m_size) {
+            quint32 word = quint32(value);
+            if (m_swap)
+                word = qbswap(word);
+            std::memcpy(m_bytes + (at - m_base), &word, 4);
+            return;
+        }
+        flush();
+        QIODevice* device = m_stream.device();
+        if (!device)
+            return;
+        const qint64 end = device->pos();
+        device->seek(at);
+        m_stream << value;
+        device->seek(end);
+        m_base = end;
     }
 
 private:
@@ -87,14 +139,17 @@ private:
     }
     void flush()
     {
-        if (m_size > 0)
-            m_stream.writeRawData(m_bytes, m_size);
+        if (m_size == 0)
+            return;
+        m_stream.writeRawData(m_bytes, m_size);
         m_size = 0;
+        m_base = m_stream.device()->pos();
     }
 
     QDataStream& m_stream;
     const bool m_gathered;
     const bool m_swap;
+    qint64 m_base;  // the device's position at the first gathered byte
     int m_size = 0;
     char m_bytes[Capacity];
 };

@@ -133,6 +133,7 @@ public:
     static QString textValue(Record& r, QXmlStreamReader& reader) { return r.GetTextValue(reader); }
 
     static bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
+    static bool writeTagged(const Record& r, DataOut& out, int tag, bool withTag);
     static void readTagged(Record& r, QDataStream& stream, qint64 length);
     static void readTagged(Record& r, DataIn& in, qint64 length);
 

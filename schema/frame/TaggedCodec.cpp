@@ -1,13 +1,11 @@
 // The tagged form: an object block is a length word and field records, each
-// record a tag, a length word and a payload. Lengths are written as
-// placeholders and patched by seeking back once the payload is complete.
-
-#include <cstring>
-
-#include <QtEndian>
+// record a tag, a length word and a payload. The length of a block or a list
+// is written as a placeholder and patched once its payload is complete: among
+// the bytes still gathered, or else by seeking back on the device.
 
 #include "recordkit/Converters.h"
 #include "schema/frame/DataIn.h"
+#include "schema/frame/DataOut.h"
 #include "schema/frame/Limits.h"
 #include "schema/frame/Runtime.h"
 #include "schema/frame/TextForms.h"
@@ -20,114 +18,55 @@ namespace {
 // A length word written as 0 and patched with the count of the bytes behind it.
 class LengthWord {
 public:
-    explicit LengthWord(QDataStream& stream) : m_stream(stream)
+    explicit LengthWord(DataOut& out) : m_out(out)
     {
-        m_stream << qint32(0);
-        m_start = m_stream.device()->pos();
+        m_out << qint32(0);
+        m_start = m_out.position();
     }
-    void patch()
-    {
-        QIODevice* device = m_stream.device();
-        const qint64 end = device->pos();
-        device->seek(m_start - 4);
-        m_stream << qint32(end - m_start);
-        device->seek(end);
-    }
+    void patch() { m_out.patch(m_start - 4, qint32(m_out.position() - m_start)); }
 
 private:
-    QDataStream& m_stream;
+    DataOut& m_out;
     qint64 m_start = 0;
 };
 
-// The head of a record and a payload of known size, put together in the
-// stream's byte order and handed to the device in one write: the device's
-// write path costs more than the few bytes of a record.
-class RecordBytes {
-public:
-    explicit RecordBytes(const QDataStream& stream) : m_bigEndian(stream.byteOrder() == QDataStream::BigEndian) {}
-    RecordBytes& word(quint32 v)
-    {
-        m_bigEndian ? qToBigEndian(v, m_bytes + m_size) : qToLittleEndian(v, m_bytes + m_size);
-        m_size += 4;
-        return *this;
-    }
-    RecordBytes& doubleWord(quint64 v)
-    {
-        m_bigEndian ? qToBigEndian(v, m_bytes + m_size) : qToLittleEndian(v, m_bytes + m_size);
-        m_size += 8;
-        return *this;
-    }
-    RecordBytes& byte(char v)
-    {
-        m_bytes[m_size++] = v;
-        return *this;
-    }
-    RecordBytes& text(const char* data, int size)
-    {
-        std::memcpy(m_bytes + m_size, data, size_t(size));
-        m_size += size;
-        return *this;
-    }
-    void writeTo(QDataStream& stream) const { stream.writeRawData(m_bytes, m_size); }
-
-private:
-    char m_bytes[16 + DoubleTextCapacity];
-    int m_size = 0;
-    bool m_bigEndian;
-};
-
 // Records whose payload size is known ahead are written with their length
-// at once; only blocks and lists are patched. A byte array is its count and
-// bytes, a null one its count 0xFFFFFFFF alone.
-quint32 byteCount(const QDataStream& stream, const QByteArray& bytes)
+// at once; only blocks and lists are patched.
+
+// A byte array: its length word, then the array.
+void writeSizedBytes(DataOut& out, const QByteArray& bytes)
 {
-    return bytes.isNull() && stream.version() >= QDataStream::Qt_3_3 ? 0xFFFFFFFFu : quint32(bytes.size());
+    out << qint32(4 + bytes.size());
+    out.writeBytes(bytes);
 }
 
-// A byte array after `head`: its length word, then the array.
-void writeSizedBytes(QDataStream& stream, RecordBytes head, const QByteArray& bytes)
+void writeBytesRecord(DataOut& out, quint32 tag, const QByteArray& bytes)
 {
-    head.word(quint32(4 + bytes.size())).word(byteCount(stream, bytes)).writeTo(stream);
-    if (!bytes.isEmpty())
-        stream.writeRawData(bytes.constData(), bytes.size());
-}
-
-void writeBytesRecord(QDataStream& stream, quint32 tag, const QByteArray& bytes)
-{
-    writeSizedBytes(stream, RecordBytes(stream).word(tag), bytes);
+    out << qint32(tag);
+    writeSizedBytes(out, bytes);
 }
 
 // A double as the UTF-8 bytes of its two-decimal text.
-void writeDoubleRecord(QDataStream& stream, quint32 tag, double value)
+void writeDoubleRecord(DataOut& out, quint32 tag, double value)
 {
     char text[DoubleTextCapacity];
     const int n = doubleTextFast(value, text);
     if (n < 0) {
-        writeBytesRecord(stream, tag, doubleText(value).toUtf8());
+        writeBytesRecord(out, tag, doubleText(value).toUtf8());
         return;
     }
-    RecordBytes(stream).word(tag).word(quint32(4 + n)).word(quint32(n)).text(text, n).writeTo(stream);
+    out << qint32(tag) << qint32(4 + n) << qint32(n);
+    out.writeRaw(text, n);
 }
 
-void writeRawRecord(QDataStream& stream, quint32 tag, qint64 value)
-{
-    if (stream.version() < QDataStream::Qt_4_0) {  // the oldest versions write it in two halves
-        stream << qint32(tag) << qint32(8) << value;
-        return;
-    }
-    RecordBytes(stream).word(tag).word(8).doubleWord(quint64(value)).writeTo(stream);
-}
+void writeRawRecord(DataOut& out, quint32 tag, qint64 value) { out << qint32(tag) << qint32(8) << value; }
+void writeRawRecord(DataOut& out, quint32 tag, bool value) { out << qint32(tag) << qint32(1) << value; }
 
-void writeRawRecord(QDataStream& stream, quint32 tag, bool value)
+void writeRawRecord(DataOut& out, quint32 tag, const QString& value)
 {
-    RecordBytes(stream).word(tag).word(1).byte(value ? 1 : 0).writeTo(stream);
-}
-
-void writeRawRecord(QDataStream& stream, quint32 tag, const QString& value)
-{
-    stream << qint32(tag);
-    LengthWord length(stream);
-    stream << value;
+    out << qint32(tag);
+    LengthWord length(out);
+    out.viaStream([&](QDataStream& stream) { stream << value; });
     length.patch();
 }
 
@@ -143,41 +82,47 @@ const FieldInfo* fieldByTag(const ClassInfo& info, quint32 tag)
 
 bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag)
 {
+    DataOut out(stream);
+    return writeTagged(r, out, tag, withTag);
+}
+
+bool Runtime::writeTagged(const Record& r, DataOut& out, int tag, bool withTag)
+{
     // Flag and logger have been handed down and the tree checked where the write began.
     if (r.GetValidate() && !r.HasData())
         return false;
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
     if (withTag)
-        stream << qint32(tag);
-    LengthWord block(stream);
+        out << qint32(tag);
+    LengthWord block(out);
     if (info.version)
-        writeRawRecord(stream, info.version->tag, version(p, *info.version));
+        writeRawRecord(out, info.version->tag, version(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         const bool set = p.test(f.bit);
         switch (f.kind) {
         case Kind::Double:
             if (written(p, f))
-                writeDoubleRecord(stream, f.tag, value<double>(p, f));
+                writeDoubleRecord(out, f.tag, value<double>(p, f));
             break;
         case Kind::Enum:
         case Kind::Text:
         case Kind::DateTime:
             if (written(p, f))
-                writeBytesRecord(stream, f.tag, fieldText(p, f).toUtf8());
+                writeBytesRecord(out, f.tag, fieldText(p, f).toUtf8());
             break;
         case Kind::UInt64:
             if (written(p, f))
-                writeRawRecord(stream, f.tag, qint64(value<quint64>(p, f)));
+                writeRawRecord(out, f.tag, qint64(value<quint64>(p, f)));
             break;
         case Kind::Bool:
             if (written(p, f))
-                writeRawRecord(stream, f.tag, value<bool>(p, f));
+                writeRawRecord(out, f.tag, value<bool>(p, f));
             break;
         case Kind::Child:
             if (set)
-                writeTagged(child(p, f), stream, int(f.tag), true);
+                writeTagged(child(p, f), out, int(f.tag), true);
             break;
         case Kind::List: {
             const void* list = field(p, f);
@@ -186,12 +131,12 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
             const bool omitWhenEmpty = f.has(OmitWhenEmpty);
             if (omitWhenEmpty && n == 0)
                 break;
-            stream << qint32(f.tag);
-            LengthWord length(stream);
-            stream << qint32(n);
+            out << qint32(f.tag);
+            LengthWord length(out);
+            out << qint32(n);
             if (set || omitWhenEmpty)
                 for (int k = 0; k < n; ++k)
-                    writeTagged(ops.cat(list, k), stream, int(f.tag), false);
+                    writeTagged(ops.cat(list, k), out, int(f.tag), false);
             length.patch();
             break;
         }
@@ -200,13 +145,13 @@ bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool wi
             const EnumListInfo& values = f.enumListInfo();
             const QStringList& names = *values.names.names;
             const int n = values.size(list);
-            stream << qint32(f.tag);
-            LengthWord length(stream);
-            stream << qint32(n);
+            out << qint32(f.tag);
+            LengthWord length(out);
+            out << qint32(n);
             for (int k = 0; k < n; ++k) {
                 const qint8 index = qint8(values.at(list, k));
                 const QByteArray name = index >= 0 && index < names.size() ? names.at(index).toUtf8() : QByteArray();
-                writeSizedBytes(stream, RecordBytes(stream), name);
+                writeSizedBytes(out, name);
             }
             length.patch();
             break;

@@ -7,6 +7,7 @@
 
 #include <QBuffer>
 #include <QDataStream>
+#include <QTemporaryFile>
 
 #include <cmath>
 
@@ -191,6 +192,35 @@ TEST(DirectWrite, TheRawFormFollowsTheStreamsSettings)
                 plain << b.GetMean() << b.GetMin() << b.GetMax() << b.GetTol() << qint8(b.Getunit());
                 EXPECT_EQ(bytes.toHex(), expected.toHex()) << order << " " << precision << " " << version;
             }
+        }
+    }
+}
+
+TEST(DirectWrite, ATaggedFormLargerThanAPieceIsPatchedOnTheDevice)
+{
+    // Blocks that begin in a piece already handed to the device get their
+    // length by seeking back; the form must read back whole, after what the
+    // caller wrote before it, in either byte order.
+    const EmitterDossier dossier = filledDossier(3000, 300);
+    for (QDataStream::ByteOrder order : {QDataStream::BigEndian, QDataStream::LittleEndian}) {
+        QTemporaryFile file;
+        ASSERT_TRUE(file.open());
+        file.write("abc");
+        QDataStream out(&file);
+        out.setByteOrder(order);
+        dossier.GetBinaryRepresentation(out);
+        ASSERT_EQ(out.status(), QDataStream::Ok);
+        const qint64 end = file.pos();
+        ASSERT_TRUE(file.seek(3));
+        QDataStream in(&file);
+        in.setByteOrder(order);
+        EmitterDossier read;
+        ASSERT_TRUE(read.SetBinaryRepresentation(in));
+        EXPECT_EQ(file.pos(), end);
+        EXPECT_EQ(read, dossier);
+        if (order == QDataStream::BigEndian) {
+            file.seek(3);
+            EXPECT_EQ(file.readAll(), dossier.GetBinaryRepresentationAsQByteArray());
         }
     }
 }
