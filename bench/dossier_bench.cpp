@@ -734,15 +734,24 @@ void readPlain(QDataStream& s, PlainBulk& bulk)
     }
 }
 
-void Dossier_RawReadPlainStructs(benchmark::State& state)
+void writeDoubleTexts(QDataStream& s, const PlainBulk& bulk);
+
+// The plain raw bytes of the bulk, with the doubles' texts behind them for the tagged yardstick.
+QByteArray plainBytes(bool withDoubleTexts)
 {
     QByteArray bytes;
-    {
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QDataStream stream(&buffer);
-        writePlain(stream, Fixture::get().bulk);
-    }
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    writePlain(stream, Fixture::get().bulk);
+    if (withDoubleTexts)
+        writeDoubleTexts(stream, Fixture::get().bulk);
+    return bytes;
+}
+
+void Dossier_RawReadPlainStructs(benchmark::State& state)
+{
+    QByteArray bytes = plainBytes(false);
     for (auto _ : state) {
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::ReadOnly);
@@ -797,14 +806,7 @@ BENCHMARK(Dossier_TaggedWriteYardstick)->Unit(benchmark::kMillisecond);
 
 void Dossier_TaggedReadYardstick(benchmark::State& state)
 {
-    QByteArray bytes;
-    {
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QDataStream stream(&buffer);
-        writePlain(stream, Fixture::get().bulk);
-        writeDoubleTexts(stream, Fixture::get().bulk);
-    }
+    QByteArray bytes = plainBytes(true);
     for (auto _ : state) {
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::ReadOnly);

@@ -285,13 +285,10 @@ bool Runtime::enumValid(const FieldInfo& f, quint8 value)
     return index >= 0 && index < f.enumInfo().names->size();
 }
 
-quint8 Runtime::enumIndex(const FieldInfo& f, const QString& name)
-{
-    const int index = f.enumInfo().names->indexOf(name);
-    return index < 0 ? quint8(0xFF) : quint8(index);
-}
-
-quint8 Runtime::enumIndex(const FieldInfo& f, const QStringRef& name)
+// The index of `name` in the field's name list, 0xFF if it is not there, for
+// a name held in any of Qt's string types.
+template <class Name>
+static quint8 indexOfName(const FieldInfo& f, const Name& name)
 {
     const QStringList& names = *f.enumInfo().names;
     for (int i = 0; i < names.size(); ++i)
@@ -300,14 +297,9 @@ quint8 Runtime::enumIndex(const FieldInfo& f, const QStringRef& name)
     return quint8(0xFF);
 }
 
-quint8 Runtime::enumIndex(const FieldInfo& f, QLatin1String name)
-{
-    const QStringList& names = *f.enumInfo().names;
-    for (int i = 0; i < names.size(); ++i)
-        if (names.at(i) == name)
-            return quint8(i);
-    return quint8(0xFF);
-}
+quint8 Runtime::enumIndex(const FieldInfo& f, const QString& name) { return indexOfName(f, name); }
+quint8 Runtime::enumIndex(const FieldInfo& f, const QStringRef& name) { return indexOfName(f, name); }
+quint8 Runtime::enumIndex(const FieldInfo& f, QLatin1String name) { return indexOfName(f, name); }
 
 void Runtime::storeText(Record& r, Payload& p, const FieldInfo& f, const QString& text)
 {

@@ -161,40 +161,10 @@ static void storeBool(Record& r, Payload& p, const FieldInfo& f, const QString& 
     p.set(f.bit);
 }
 
-// Stores the text of an attribute or a text element through the field's setter.
-static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QString& text, bool fromAttribute)
-{
-    switch (f.kind) {
-    case Kind::Double:
-        Runtime::value<double>(p, f) = text.toDouble();
-        break;
-    case Kind::UInt64:
-        // Attributes are read unsigned, element text signed: a text above the
-        // signed range reads as 0 there.
-        Runtime::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
-        break;
-    case Kind::Bool:
-        storeBool(r, p, f, text);
-        return;
-    case Kind::Text:
-        Runtime::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
-        return;
-    case Kind::DateTime:
-        Runtime::value<QDateTime>(p, f) = Converters::ToDateTime(text);
-        break;
-    case Kind::Enum:
-        Runtime::storeEnum(r, p, f, Runtime::enumIndex(f, text));
-        return;
-    case Kind::Child:
-    case Kind::List:
-    case Kind::EnumList:
-        return;
-    }
-    p.set(f.bit);
-}
-
-// Numbers and enumeration names are read from the reader's own text, without
-// a copy; they read as they read from a QString.
+// Numbers and enumeration names, read from the reader's own text without a
+// copy, as they read from a QString. Attributes are read unsigned, element
+// text signed: a text above the signed range reads as 0 there. False for a
+// field of another kind, with nothing stored.
 static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStringRef& text, bool fromAttribute)
 {
     switch (f.kind) {
@@ -212,6 +182,27 @@ static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStrin
     }
     p.set(f.bit);
     return true;
+}
+
+// Stores the text of an attribute or a text element through the field's setter.
+static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QString& text, bool fromAttribute)
+{
+    if (storeFromRef(r, p, f, QStringRef(&text), fromAttribute))
+        return;
+    switch (f.kind) {
+    case Kind::Bool:
+        storeBool(r, p, f, text);
+        return;
+    case Kind::Text:
+        Runtime::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
+        return;
+    case Kind::DateTime:
+        Runtime::value<QDateTime>(p, f) = Converters::ToDateTime(text);
+        p.set(f.bit);
+        return;
+    default:
+        return;
+    }
 }
 
 void Runtime::readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader)
