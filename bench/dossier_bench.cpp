@@ -55,7 +55,7 @@
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
 #include "DossierBench.h"
-#include "recordkit/XmlGuard.h"
+#include "recordkit/XmlGuard_p.h"
 #include "support/SampleTrees.h"
 
 using namespace EMITTERDOSSIERDOC;

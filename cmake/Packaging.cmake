@@ -1,15 +1,16 @@
 # Installation of the library: the shared object, its public headers under
-# include/EmitterDossierDoc/, a CMake package (find_package(EmitterDossierDoc)
-# gives EmitterDossierDoc::EmitterDossierDoc and finds Qt5 Core for the
-# consumer) and a pkg-config file.
+# include/EmitterDossierDoc/ (a consumer needs <prefix>/include alone and
+# writes #include <EmitterDossierDoc/...>), a CMake package
+# (find_package(EmitterDossierDoc) gives EmitterDossierDoc::EmitterDossierDoc
+# and finds Qt5 Core for the consumer) and a pkg-config file.
 #
-# Included from the top-level CMakeLists.txt once the target EmitterDossierDoc
-# and the header lists EDD_RECORDKIT_HEADERS, EDD_FRAME_HEADERS,
-# EDD_GENERATED_HEADERS, EDD_UMBRELLA_HEADER and EDD_GENERATED_DIR exist.
+# Included from the top-level CMakeLists.txt once the target EmitterDossierDoc,
+# EDD_PUBLIC_HEADERS (source|folder pairs), EDD_GENERATED_HEADERS and
+# EDD_INCLUDE_DIR exist. Internal headers (*_p.h) are never installed.
 
 include(CMakePackageConfigHelpers)
 
-foreach(required_var EDD_RECORDKIT_HEADERS EDD_FRAME_HEADERS EDD_GENERATED_HEADERS EDD_GENERATED_DIR)
+foreach(required_var EDD_PUBLIC_HEADERS EDD_GENERATED_HEADERS EDD_INCLUDE_DIR)
   if(NOT DEFINED ${required_var})
     message(FATAL_ERROR "Packaging.cmake: ${required_var} must be set before it is included")
   endif()
@@ -18,39 +19,28 @@ if(NOT TARGET EmitterDossierDoc)
   message(FATAL_ERROR "Packaging.cmake: the target EmitterDossierDoc must exist before it is included")
 endif()
 
-set(EDD_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/EmitterDossierDoc)
 set(EDD_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/EmitterDossierDoc)
 set(EDD_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# Installs each header below include/EmitterDossierDoc/ in the folder it has
-# below `base_dir`, so that "schema/values/AgeOutTime.h" keeps its path.
-function(edd_install_headers base_dir)
-  foreach(header ${ARGN})
-    if(IS_ABSOLUTE "${header}")
-      set(abs_header "${header}")
-    else()
-      set(abs_header "${base_dir}/${header}")
-    endif()
-    file(RELATIVE_PATH rel_header "${base_dir}" "${abs_header}")
-    if(rel_header MATCHES "^\\.\\./")
-      message(FATAL_ERROR "Packaging.cmake: header ${abs_header} lies outside ${base_dir}")
-    endif()
-    get_filename_component(rel_dir "${rel_header}" DIRECTORY)
-    install(FILES "${abs_header}"
-      DESTINATION "${EDD_INSTALL_INCLUDEDIR}/${rel_dir}"
-      COMPONENT Development)
-  endforeach()
-endfunction()
-
-edd_install_headers(${PROJECT_SOURCE_DIR} ${EDD_RECORDKIT_HEADERS} ${EDD_FRAME_HEADERS})
-edd_install_headers(${EDD_GENERATED_DIR} ${EDD_GENERATED_HEADERS})
-# The umbrella header sits in its own folder of the generated tree, so that
-# <EmitterDossierDoc/EmitterDossierDoc.h> works in the build tree as installed.
-install(FILES
-    ${EDD_GENERATED_DIR}/EmitterDossierDoc/EmitterDossierDoc.h
-    ${EDD_GENERATED_DIR}/edd_export.h
-  DESTINATION ${EDD_INSTALL_INCLUDEDIR}
-  COMPONENT Development)
+# Hand-written public headers go where their forwarding headers stand.
+foreach(entry ${EDD_PUBLIC_HEADERS})
+  string(REPLACE "|" ";" parts "${entry}")
+  list(GET parts 0 source)
+  list(GET parts 1 folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/${source}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/EmitterDossierDoc/${folder}
+    COMPONENT Development)
+endforeach()
+# Generated headers keep the folder they have below the build's include directory.
+foreach(header ${EDD_GENERATED_HEADERS}
+               ${EDD_INCLUDE_DIR}/EmitterDossierDoc/EmitterDossierDoc.h
+               ${EDD_INCLUDE_DIR}/EmitterDossierDoc/edd_export.h)
+  file(RELATIVE_PATH rel_header ${EDD_INCLUDE_DIR} ${header})
+  get_filename_component(rel_dir ${rel_header} DIRECTORY)
+  install(FILES ${header}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${rel_dir}
+    COMPONENT Development)
+endforeach()
 
 install(TARGETS EmitterDossierDoc
   EXPORT EmitterDossierDocTargets

@@ -116,6 +116,9 @@ QString describe(const Field& f)
         .arg(hex32(f.tag));
 }
 
+// The subsystem of a class: the last folder of its description, "values" for schema/values.
+QString subsystem(const SchemaClass& cls) { return cls.folder.section(QLatin1Char('/'), -1); }
+
 bool writeIfChanged(const QString& path, const QString& text, QString& error)
 {
     const QByteArray bytes = text.toUtf8();
@@ -143,13 +146,13 @@ public:
     {
         QString h = Banner.arg(c.sourceFile.section(QLatin1Char('/'), -3));
         h += QStringLiteral("#pragma once\n\n#include <QDateTime>\n#include <QString>\n#include <QStringList>\n"
-                            "#include <QVector>\n#include <QXmlStreamReader>\n\n#include \"edd_export.h\"\n"
-                            "#include \"schema/frame/Record.h\"\n");
+                            "#include <QVector>\n#include <QXmlStreamReader>\n\n#include <EmitterDossierDoc/edd_export.h>\n"
+                            "#include <EmitterDossierDoc/frame/Record.h>\n");
         QSet<QString> included;
         for (const Field& f : c.fields)
             if (f.type == FieldType::Class && !included.contains(f.className)) {
                 included.insert(f.className);
-                h += QStringLiteral("#include \"%1/%2.h\"\n").arg(m_classes.value(f.className)->folder, f.className);
+                h += QStringLiteral("#include <EmitterDossierDoc/%1/%2.h>\n").arg(subsystem(*m_classes.value(f.className)), f.className);
             }
         h += QStringLiteral("\nnamespace EMITTERDOSSIERDOC {\n\n");
         if (!c.doc.isEmpty())
@@ -203,9 +206,9 @@ public:
     {
         const QString C = c.name;
         QString s = Banner.arg(c.sourceFile.section(QLatin1Char('/'), -3));
-        s += QStringLiteral("#include \"%1/%2.h\"\n\n#include <QCoreApplication>\n\n#include \"schema/frame/Ops.h\"\n\n")
-                 .arg(c.folder, C);
-        s += QStringLiteral("namespace EMITTERDOSSIERDOC {\n\nnamespace {\n\n");
+        s += QStringLiteral("#include <EmitterDossierDoc/%1/%2.h>\n\n#include <QCoreApplication>\n\n#include \"schema/frame/Ops_p.h\"\n\n")
+                 .arg(subsystem(c), C);
+        s += QStringLiteral("namespace EMITTERDOSSIERDOC {\n\nusing namespace Frame::Internal;\n\nnamespace {\n\n");
         // Names of the fields, of the enumerations and their tables.
         QStringList names;
         for (const Field& f : c.fields)
@@ -293,17 +296,17 @@ public:
                  "\n%1::%1() : Record(StaticClassInfo()) {}\n"
                  "%1::%1(const %1& other) : Record(other, StaticClassInfo()) {}\n"
                  "%1::~%1() = default;\n"
-                 "%1& %1::operator=(const %1& other)\n{\n    assign(other);\n    return *this;\n}\n"
-                 "bool %1::operator==(const %1& other) const { return equals(other); }\n"
-                 "bool %1::operator!=(const %1& other) const { return !equals(other); }\n"
+                 "%1& %1::operator=(const %1& other)\n{\n    assign(*this, other);\n    return *this;\n}\n"
+                 "bool %1::operator==(const %1& other) const { return equals(*this, other); }\n"
+                 "bool %1::operator!=(const %1& other) const { return !equals(*this, other); }\n"
                  "const Frame::ClassInfo& %1::GetClassInfo() const { return StaticClassInfo(); }\n"
-                 "%1::Data& %1::data() const { return static_cast<Data&>(payload()); }\n")
+                 "%1::Data& %1::data() const { return static_cast<Data&>(payload(*this)); }\n")
                  .arg(C);
         if (c.isLeaf())
-            s += QStringLiteral("void %1::ReadValuesFromXml(QXmlStreamReader& reader) { readLeafXml(reader); }\n").arg(C);
+            s += QStringLiteral("void %1::ReadValuesFromXml(QXmlStreamReader& reader) { readLeafXml(*this, reader); }\n").arg(C);
         if (!c.version.isEmpty())
-            s += QStringLiteral("const QString& %1::GetVersion() const { return schemaVersion(); }\n"
-                                "const QString& %1::GetInitialVersionLoaded() const { return loadedVersion(); }\n")
+            s += QStringLiteral("const QString& %1::GetVersion() const { return schemaVersion(*this); }\n"
+                                "const QString& %1::GetInitialVersionLoaded() const { return loadedVersion(*this); }\n")
                      .arg(C);
         for (const Field& f : fields())
             s += QLatin1Char('\n') + definitions(f);
@@ -422,59 +425,59 @@ private:
         case FieldType::UInt64: {
             const QString T = cppType(f);
             line(QStringLiteral("%1 %2::Get%3() const { return data().%4; }").arg(T, C, X, m));
-            line(QStringLiteral("void %2::Set%3(%1 value) { setValue(%5, data().%4, value); }").arg(T, C, X, m, b));
+            line(QStringLiteral("void %2::Set%3(%1 value) { setValue(*this, %5, data().%4, value); }").arg(T, C, X, m, b));
             line(QStringLiteral("bool %2::IsValid%3(const %1&) const { return true; }").arg(T, C, X));
             line(QStringLiteral("const %1 %2::GetDefault%3() const { return 0; }").arg(T, C, X));
             break;
         }
         case FieldType::Bool:
             line(QStringLiteral("bool %1::Get%2() const { return data().%3; }").arg(C, X, m));
-            line(QStringLiteral("void %1::Set%2(bool value) { setValue(%4, data().%3, value); }").arg(C, X, m, b));
+            line(QStringLiteral("void %1::Set%2(bool value) { setValue(*this, %4, data().%3, value); }").arg(C, X, m, b));
             line(QStringLiteral("const bool %1::GetDefault%2() const { return false; }").arg(C, X));
             break;
         case FieldType::Text:
             line(QStringLiteral("QString %1::Get%2() const { return data().%3; }").arg(C, X, m));
-            line(QStringLiteral("void %1::Set%2(const QString& value) { setText(%3, value); }").arg(C, X, b));
+            line(QStringLiteral("void %1::Set%2(const QString& value) { setText(*this, %3, value); }").arg(C, X, b));
             line(QStringLiteral("bool %1::IsValid%2(const QString& value) const { return !value.isNull(); }").arg(C, X));
             line(QStringLiteral("const QString %1::GetDefault%2() const { return QString(); }").arg(C, X));
             break;
         case FieldType::DateTime:
-            line(QStringLiteral("QDateTime& %1::Get%2() { return marked(%4, data().%3); }").arg(C, X, m, b));
+            line(QStringLiteral("QDateTime& %1::Get%2() { return marked(*this, %4, data().%3); }").arg(C, X, m, b));
             line(QStringLiteral("const QDateTime& %1::Get%2() const { return data().%3; }").arg(C, X, m));
-            line(QStringLiteral("void %1::Set%2(const QDateTime& value) { setValue(%4, data().%3, value); }").arg(C, X, m, b));
+            line(QStringLiteral("void %1::Set%2(const QDateTime& value) { setValue(*this, %4, data().%3, value); }").arg(C, X, m, b));
             line(QStringLiteral("bool %1::IsValid%2(const QDateTime&) const { return true; }").arg(C, X));
             line(QStringLiteral("const QDateTime %1::GetDefault%2() const { return QDateTime(); }").arg(C, X));
             break;
         case FieldType::Enum:
             if (isEnumList(f)) {
-                line(QStringLiteral("QVector<%1::%2>& %1::Get%2() { return marked(%4, data().%3); }").arg(C, X, m, b));
+                line(QStringLiteral("QVector<%1::%2>& %1::Get%2() { return marked(*this, %4, data().%3); }").arg(C, X, m, b));
                 line(QStringLiteral("const QVector<%1::%2>& %1::Get%2() const { return data().%3; }").arg(C, X, m));
-                line(QStringLiteral("void %1::Set%2(const QVector<%2>& value) { setValue(%4, data().%3, value); }").arg(C, X, m, b));
-                line(QStringLiteral("void %1::Append%2(const %2& value) { appendEnum(%3, value); }").arg(C, X, b));
-                line(QStringLiteral("bool %1::IsValid%2(const QVector<%2>& values) const { return allValid(%3, values); }")
+                line(QStringLiteral("void %1::Set%2(const QVector<%2>& value) { setValue(*this, %4, data().%3, value); }").arg(C, X, m, b));
+                line(QStringLiteral("void %1::Append%2(const %2& value) { appendEnum(*this, %3, value); }").arg(C, X, b));
+                line(QStringLiteral("bool %1::IsValid%2(const QVector<%2>& values) const { return allValid(*this, %3, values); }")
                          .arg(C, X, b));
             } else {
                 line(QStringLiteral("const %1::%2& %1::Get%2() const { return data().%3; }").arg(C, X, m));
-                line(QStringLiteral("void %1::Set%2(const %2& value) { setEnum(%3, value); }").arg(C, X, b));
+                line(QStringLiteral("void %1::Set%2(const %2& value) { setEnum(*this, %3, value); }").arg(C, X, b));
                 line(QStringLiteral("QString %1::Get%2AsString() const { return %2ToName(Get%2()); }").arg(C, X));
             }
             // The members of every enumeration, one value or repeated.
-            line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(%3, value); }").arg(C, X, b));
+            line(QStringLiteral("bool %1::IsValid%2(const %2& value) const { return enumValid(*this, %3, value); }").arg(C, X, b));
             line(QStringLiteral("const %1::%2 %1::GetDefault%2() const { return %2(0xFF); }").arg(C, X));
             line(QStringLiteral("const %1::%2 %1::GetInvalid%2() const { return %2(0xFF); }").arg(C, X));
-            line(QStringLiteral("QString %1::%2ToName(const %2& value) const { return enumName(%3, value); }").arg(C, X, b));
-            line(QStringLiteral("%1::%2 %1::NameTo%2(const QString& name) const { return %2(enumIndex(%3, name)); }")
+            line(QStringLiteral("QString %1::%2ToName(const %2& value) const { return enumName(*this, %3, value); }").arg(C, X, b));
+            line(QStringLiteral("%1::%2 %1::NameTo%2(const QString& name) const { return %2(enumIndex(*this, %3, name)); }")
                      .arg(C, X, b));
             line(QStringLiteral("QStringList %1::Get%2s() { return %2Names; }").arg(C, X));
-            line(QStringLiteral("QStringList %1::GetGUI%2s() { return Frame::translatedNames(%2Names); }").arg(C, X));
+            line(QStringLiteral("QStringList %1::GetGUI%2s() { return translatedNames(%2Names); }").arg(C, X));
             break;
         case FieldType::Class: {
             const QString T = cppType(f);
-            line(QStringLiteral("%1& %2::Get%3() { return marked(%5, data().%4); }").arg(T, C, X, m, b));
+            line(QStringLiteral("%1& %2::Get%3() { return marked(*this, %5, data().%4); }").arg(T, C, X, m, b));
             line(QStringLiteral("const %1& %2::Get%3() const { return data().%4; }").arg(T, C, X, m));
-            line(QStringLiteral("void %2::Set%3(const %1& value) { setValue(%5, data().%4, value); }").arg(T, C, X, m, b));
+            line(QStringLiteral("void %2::Set%3(const %1& value) { setValue(*this, %5, data().%4, value); }").arg(T, C, X, m, b));
             if (f.xml == XmlShape::List) {
-                line(QStringLiteral("void %2::Append%3(const %1& item) { appendItem(%4, item); }").arg(f.className, C, X, b));
+                line(QStringLiteral("void %2::Append%3(const %1& item) { appendItem(*this, %4, item); }").arg(f.className, C, X, b));
                 line(QStringLiteral("bool %2::IsValid%3(const %1&) const { return true; }").arg(f.className, C, X));
             }
             line(QStringLiteral("bool %2::IsValid%3(const %1&) const { return true; }").arg(T, C, X));
@@ -482,8 +485,8 @@ private:
             break;
         }
         }
-        line(QStringLiteral("bool %1::Is%2Set() const { return isSet(%3); }").arg(C, X, b));
-        line(QStringLiteral("void %1::Reset%2() { resetField(%3); }").arg(C, X, b));
+        line(QStringLiteral("bool %1::Is%2Set() const { return isSet(*this, %3); }").arg(C, X, b));
+        line(QStringLiteral("void %1::Reset%2() { resetField(*this, %3); }").arg(C, X, b));
         return d;
     }
 
@@ -500,20 +503,25 @@ bool writeSchema(const Schema& schema, const QString& outDir, QString& error)
         classes.insert(cls.name, &cls);
     QString umbrella = Banner.arg(QStringLiteral("the schema description")) +
                        QStringLiteral("// Everything a user of the library needs.\n#pragma once\n\n"
-                                      "#include \"recordkit/Converters.h\"\n#include \"recordkit/IRKObject.h\"\n#include \"recordkit/Input.h\"\n"
-                                      "#include \"recordkit/LogLevel.h\"\n#include \"recordkit/Logger.h\"\n"
-                                      "#include \"recordkit/ObjectTypes.h\"\n#include \"recordkit/RKException.h\"\n"
-                                      "#include \"schema/frame/ClassRegistry.h\"\n#include \"schema/frame/Reflection.h\"\n");
+                                      "#include <EmitterDossierDoc/recordkit/Converters.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/IRKObject.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/Input.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/LogLevel.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/Logger.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/ObjectTypes.h>\n"
+                                      "#include <EmitterDossierDoc/recordkit/RKException.h>\n"
+                                      "#include <EmitterDossierDoc/frame/ClassRegistry.h>\n"
+                                      "#include <EmitterDossierDoc/frame/Reflection.h>\n");
     QString registry = Banner.arg(QStringLiteral("the schema description")) +
-                       QStringLiteral("#include \"schema/frame/ClassRegistry.h\"\n\n");
+                       QStringLiteral("#include <EmitterDossierDoc/frame/ClassRegistry.h>\n\n");
     QString entries;
     for (const SchemaClass& cls : schema.classes) {
         const ClassWriter writer(cls, classes);
-        const QString base = QStringLiteral("%1/%2/%3").arg(outDir, cls.folder, cls.name);
-        if (!writeIfChanged(base + QStringLiteral(".h"), writer.header(), error) ||
-            !writeIfChanged(base + QStringLiteral(".cpp"), writer.source(), error))
+        const QString header = QStringLiteral("%1/include/EmitterDossierDoc/%2/%3.h").arg(outDir, subsystem(cls), cls.name);
+        const QString source = QStringLiteral("%1/src/%2/%3.cpp").arg(outDir, subsystem(cls), cls.name);
+        if (!writeIfChanged(header, writer.header(), error) || !writeIfChanged(source, writer.source(), error))
             return false;
-        const QString include = QStringLiteral("#include \"%1/%2.h\"\n").arg(cls.folder, cls.name);
+        const QString include = QStringLiteral("#include <EmitterDossierDoc/%1/%2.h>\n").arg(subsystem(cls), cls.name);
         umbrella += include;
         registry += include;
         entries += QStringLiteral("        Frame::ClassEntry::of<%1>(),\n").arg(cls.name);
@@ -523,8 +531,8 @@ bool writeSchema(const Schema& schema, const QString& outDir, QString& error)
                     "const QVector<ClassEntry>& AllClasses()\n{\n    static const QVector<ClassEntry> classes = {\n%1    };\n"
                     "    return classes;\n}\n\n}  // namespace Frame\n}  // namespace EMITTERDOSSIERDOC\n")
                     .arg(entries);
-    return writeIfChanged(outDir + QStringLiteral("/EmitterDossierDoc/EmitterDossierDoc.h"), umbrella, error) &&
-           writeIfChanged(outDir + QStringLiteral("/schema/ClassRegistry.cpp"), registry, error);
+    return writeIfChanged(outDir + QStringLiteral("/include/EmitterDossierDoc/EmitterDossierDoc.h"), umbrella, error) &&
+           writeIfChanged(outDir + QStringLiteral("/src/ClassRegistry.cpp"), registry, error);
 }
 
 }  // namespace codegen

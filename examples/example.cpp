@@ -95,7 +95,7 @@ int main(int argc, char** argv)
     // Logs every fault of the record and goes on.
     loaded->Check(true);
 
-    std::printf("%s: %s\n", argv[1], entry->info().name);
+    std::printf("%s: %s\n", argv[1], qPrintable(Frame::ClassName(entry->info())));
     if (auto* dossier = dynamic_cast<const EmitterDossier*>(loaded.get()))
         summarize(*dossier);
 

@@ -111,7 +111,7 @@ int main(int argc, char** argv)
         // Every object of the sample, as the block of its own class.
         Frame::ForEachChecked(*record, [&](const QString& path, const Frame::Record& object) {
             int index = 0;
-            while (index < classes.size() && classes.at(index).info().id != object.GetClassInfo().id)
+            while (index < classes.size() && Frame::ClassId(classes.at(index).info()) != Frame::ClassId(object.GetClassInfo()))
                 ++index;
             QByteArray seed(1, char(index));
             seed += '\0';
@@ -127,19 +127,18 @@ int main(int argc, char** argv)
     QSet<QByteArray> words;
     for (const Frame::ClassEntry& entry : classes) {
         const Frame::ClassInfo& info = entry.info();
-        names.insert(info.objectName());
-        words.insert(bigEndian(quint32(info.id)));
-        if (info.version) {
+        names.insert(Frame::ClassName(info));
+        words.insert(bigEndian(quint32(Frame::ClassId(info))));
+        if (!Frame::ClassSchemaVersion(info).isEmpty()) {
             names.insert(QStringLiteral("Version"));
-            words.insert(bigEndian(info.version->tag));
+            words.insert(bigEndian(Frame::ClassVersionTag(info)));
         }
-        for (int f = 0; f < info.fieldCount; ++f) {
-            const Frame::FieldInfo& field = info.fields[f];
-            names.insert(*field.name);
-            words.insert(bigEndian(field.tag));
-            if (field.kind == Frame::Kind::Enum || field.kind == Frame::Kind::EnumList)
-                for (const QString& name : *field.enumInfo().names)
-                    names.insert(name);
+        for (int f = 0; f < Frame::FieldCount(info); ++f) {
+            const Frame::FieldInfo& field = Frame::FieldAt(info, f);
+            names.insert(Frame::FieldName(field));
+            words.insert(bigEndian(Frame::FieldTag(field)));
+            for (const QString& name : Frame::EnumNames(field))
+                names.insert(name);
         }
     }
     QStringList xmlDict;

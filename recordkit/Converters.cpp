@@ -1,4 +1,4 @@
-#include "recordkit/Converters.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
 
 const QString& Converters::DateTimeFormat()
 {

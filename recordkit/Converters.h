@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-#include "edd_export.h"
+#include <EmitterDossierDoc/edd_export.h>
 
 // Text forms of dates and times used by every record: "yyyy-MM-ddThh:mm:ss,zzzZ"
 // for a date and time (always written in UTC), "hh:mm:ss,zzz" for a time of day.

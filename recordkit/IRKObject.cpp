@@ -1,4 +1,4 @@
-#include "recordkit/IRKObject.h"
+#include <EmitterDossierDoc/recordkit/IRKObject.h>
 
 #include <cmath>
 #include <limits>
@@ -8,9 +8,9 @@
 #include <QSaveFile>
 #include <QtEndian>
 
-#include "recordkit/Input.h"
-#include "recordkit/XmlGuard.h"
-#include "recordkit/XmlTextDevice.h"
+#include <EmitterDossierDoc/recordkit/Input.h>
+#include "recordkit/XmlGuard_p.h"
+#include "recordkit/XmlTextDevice_p.h"
 
 namespace RECORDKIT {
 

@@ -9,11 +9,11 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include "edd_export.h"
-#include "recordkit/LogLevel.h"
-#include "recordkit/Logger.h"
-#include "recordkit/ObjectTypes.h"
-#include "recordkit/RKException.h"
+#include <EmitterDossierDoc/edd_export.h>
+#include <EmitterDossierDoc/recordkit/LogLevel.h>
+#include <EmitterDossierDoc/recordkit/Logger.h>
+#include <EmitterDossierDoc/recordkit/ObjectTypes.h>
+#include <EmitterDossierDoc/recordkit/RKException.h>
 
 class QFile;
 class QIODevice;

@@ -1,4 +1,4 @@
-#include "recordkit/Input.h"
+#include <EmitterDossierDoc/recordkit/Input.h>
 
 #include <atomic>
 #include <limits>
@@ -9,7 +9,7 @@
 
 #include <zlib.h>
 
-#include "recordkit/XmlGuard.h"
+#include "recordkit/XmlGuard_p.h"
 
 namespace RECORDKIT {
 

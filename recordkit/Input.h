@@ -7,7 +7,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include "edd_export.h"
+#include <EmitterDossierDoc/edd_export.h>
 
 namespace RECORDKIT {
 

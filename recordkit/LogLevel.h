@@ -2,7 +2,7 @@
 
 #include <QStringList>
 
-#include "edd_export.h"
+#include <EmitterDossierDoc/edd_export.h>
 
 namespace RECORDKIT {
 

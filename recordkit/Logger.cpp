@@ -1,4 +1,4 @@
-#include "recordkit/Logger.h"
+#include <EmitterDossierDoc/recordkit/Logger.h>
 
 #include <cstdio>
 

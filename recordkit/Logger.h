@@ -2,8 +2,8 @@
 
 #include <QString>
 
-#include "edd_export.h"
-#include "recordkit/LogLevel.h"
+#include <EmitterDossierDoc/edd_export.h>
+#include <EmitterDossierDoc/recordkit/LogLevel.h>
 
 namespace RECORDKIT {
 

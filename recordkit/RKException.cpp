@@ -1,4 +1,4 @@
-#include "recordkit/RKException.h"
+#include <EmitterDossierDoc/recordkit/RKException.h>
 
 RKException::RKException(const QString& message) : m_message(message), m_what(message.toUtf8()) {}
 RKException::~RKException() = default;

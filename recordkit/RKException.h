@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include "edd_export.h"
+#include <EmitterDossierDoc/edd_export.h>
 
 // The faults that records report. Each carries one message; Raise() throws the
 // object as its own dynamic type, so that code holding a reference to the base

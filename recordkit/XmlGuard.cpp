@@ -1,11 +1,11 @@
-#include "recordkit/XmlGuard.h"
+#include "recordkit/XmlGuard_p.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include <QStringView>
 
-#include "recordkit/Input.h"
+#include <EmitterDossierDoc/recordkit/Input.h>
 
 namespace RECORDKIT {
 

@@ -1,4 +1,4 @@
-#include "recordkit/XmlTextDevice.h"
+#include "recordkit/XmlTextDevice_p.h"
 
 #include <cstring>
 

@@ -1,13 +1,12 @@
 #pragma once
 
-// All schema classes of the library, by name and id, with their field tables.
+// Every schema class of the library, by name and id.
 
 #include <QString>
 #include <QVector>
 
-#include "edd_export.h"
-#include "schema/frame/ClassInfo.h"
-#include "schema/frame/Record.h"
+#include <EmitterDossierDoc/edd_export.h>
+#include <EmitterDossierDoc/frame/Record.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -26,21 +25,9 @@ struct ClassEntry {
 // Every schema class, in the order of the schema description.
 EDD_EXPORT const QVector<ClassEntry>& AllClasses();
 
-inline const ClassEntry* FindClass(const QString& name)
-{
-    for (const ClassEntry& entry : AllClasses())
-        if (QLatin1String(entry.info().name) == name)
-            return &entry;
-    return nullptr;
-}
-
-inline const ClassEntry* FindClass(qint64 id)
-{
-    for (const ClassEntry& entry : AllClasses())
-        if (entry.info().id == id)
-            return &entry;
-    return nullptr;
-}
+// The class of that name or id; null if there is none.
+EDD_EXPORT const ClassEntry* FindClass(const QString& name);
+EDD_EXPORT const ClassEntry* FindClass(qint64 id);
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

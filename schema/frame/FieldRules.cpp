@@ -2,7 +2,7 @@
 
 #include <QDateTime>
 
-#include "schema/frame/Runtime.h"
+#include "schema/frame/Runtime_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -15,17 +15,17 @@ using RECORDKIT::WARNING;
 void Runtime::report(const Record& r, RKException& e)
 {
     if (r.GetValidate())
-        r.TraceOrThrow(ERROR, e, true, true);
+        Internal::RecordAccess::traceOrThrow(r, ERROR, e, true, true);
     else
-        r.Trace(WARNING, e);
+        Internal::RecordAccess::trace(r, WARNING, e);
 }
 
 void Runtime::reportSoft(const Record& r, RKException& e)
 {
     if (r.GetValidate())
-        r.TraceOrThrow(ERROR, e, false, true);
+        Internal::RecordAccess::traceOrThrow(r, ERROR, e, false, true);
     else
-        r.Trace(WARNING, e);
+        Internal::RecordAccess::trace(r, WARNING, e);
 }
 
 void Runtime::lengthError(const Record& r)
@@ -33,7 +33,7 @@ void Runtime::lengthError(const Record& r)
     BinaryParsingException e(
         r.GetObjectName() +
         QStringLiteral("::SetBinary(...): Length error occurred during processing of binary representation"));
-    r.TraceOrThrow(ERROR, e, true, true);
+    Internal::RecordAccess::traceOrThrow(r, ERROR, e, true, true);
     e.Raise();  // not reached: TraceOrThrow raises
 }
 
@@ -177,7 +177,7 @@ bool Runtime::equal(const Record& a, const Record& b)
 {
     const ClassInfo& info = a.GetClassInfo();
     // A root compares its schema versions first.
-    if (info.version && a.schemaVersion() != b.schemaVersion())
+    if (info.version && Internal::schemaVersion(a) != Internal::schemaVersion(b))
         return false;
     Payload* pa = existing(a);
     Payload* pb = existing(b);

@@ -1,11 +1,11 @@
 // The raw form: the presence bitmap, then the fields in bit order, with no
 // tags, no lengths and no text. Exact, compact, and tied to this layout.
 
-#include "schema/frame/DataIn.h"
-#include "schema/frame/DataOut.h"
-#include "schema/frame/Limits.h"
-#include "schema/frame/RawDateTime.h"
-#include "schema/frame/Runtime.h"
+#include "schema/frame/DataIn_p.h"
+#include "schema/frame/DataOut_p.h"
+#include "schema/frame/Limits_p.h"
+#include "schema/frame/RawDateTime_p.h"
+#include "schema/frame/Runtime_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {

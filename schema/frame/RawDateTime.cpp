@@ -14,7 +14,7 @@
 //                    QString name, QString abbreviation, qint32 country,
 //                    QString comment.
 
-#include "schema/frame/RawDateTime.h"
+#include "schema/frame/RawDateTime_p.h"
 
 #include <QByteArray>
 #include <QList>

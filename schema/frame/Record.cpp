@@ -1,15 +1,16 @@
-#include "schema/frame/Record.h"
+#include <EmitterDossierDoc/frame/Record.h>
 
 #include <QObject>
 
-#include "schema/frame/Runtime.h"
+#include "schema/frame/Payload_p.h"
+#include "schema/frame/Runtime_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
 Payload::~Payload() = default;
 
-QStringList translatedNames(const QStringList& names)
+QStringList Internal::translatedNames(const QStringList& names)
 {
     QStringList shown;
     shown.reserve(names.size());
@@ -37,7 +38,7 @@ Record::Record(const Record& other, const ClassInfo& info)
     // constructor cannot make yet: the copy detaches and hands the flag down.
     IRKObject::SetValidate(other.GetValidate());
     if (d) {
-        detach();
+        Internal::detach(*this);
         for (int i = 0; i < info.fieldCount; ++i) {
             const FieldInfo& f = info.fields[i];
             if (f.kind == Kind::Child) {
@@ -60,20 +61,23 @@ Record::~Record()
         delete d;
 }
 
-void Record::assign(const Record& other)
+void Internal::assign(Record& target, const Record& source)
 {
-    if (this == &other || d == other.d)
+    Payload*& d = RecordAccess::slot(target);
+    Payload* const shared = RecordAccess::slot(source);
+    if (d == shared)
         return;
     Payload* old = d;
-    d = other.d;
+    d = shared;
     if (d)
         d->ref.ref();
     if (old && !old->ref.deref())
         delete old;
 }
 
-void Record::detach() const
+void Internal::detach(const Record& r)
 {
+    Payload*& d = RecordAccess::slot(r);
     if (d && d->ref.loadRelaxed() != 1) {
         Payload* copy = d->clone();
         copy->ref.ref();
@@ -83,27 +87,25 @@ void Record::detach() const
     }
 }
 
-void Record::InitData() const
+Payload& Internal::payload(const Record& r)
 {
-    detach();
+    detach(r);
+    Payload*& d = RecordAccess::slot(r);
     if (d)
-        return;
-    const ClassInfo& info = GetClassInfo();
+        return *d;
+    const ClassInfo& info = r.GetClassInfo();
     d = info.createPayload();
     d->ref.storeRelaxed(1);  // no other handle can see it yet
     // Fresh children take this object's flag and logger. Being fresh, they
     // hold the defaults already and have no payloads of their own to walk.
-    if (info.hasChildren && (GetValidate() || logger()))
+    if (info.hasChildren && (r.GetValidate() || RecordAccess::loggerOf(r)))
         for (int i = 0; i < info.fieldCount; ++i)
             if (info.fields[i].kind == Kind::Child)
-                Runtime::adopt(*this, Runtime::child(*d, info.fields[i]));
-}
-
-Payload& Record::payload() const
-{
-    InitData();
+                Runtime::adopt(r, Runtime::child(*d, info.fields[i]));
     return *d;
 }
+
+void Record::InitData() const { Internal::payload(*this); }
 
 void Record::ConstNoClearReset() const { Runtime::resetFields(*d, GetClassInfo()); }
 
@@ -169,19 +171,18 @@ void Record::SetLogger(std::shared_ptr<RECORDKIT::Logger> logger) const
 
 // --- Accessor support ------------------------------------------------------------------
 
-bool Record::isSet(int bit) const
+bool Internal::isSet(const Record& r, int bit)
 {
-    const Payload* p = Runtime::existing(*this);
+    const Payload* p = existing(r);
     return p && p->test(bit);
 }
 
-void Record::resetField(int bit)
+void Internal::resetField(Record& r, int bit)
 {
-    Payload* p = Runtime::existing(*this);
+    Payload* p = existing(r);
     if (!p)
         return;
-    const ClassInfo& info = GetClassInfo();
-    const FieldInfo& f = info.field(bit);
+    const FieldInfo& f = r.GetClassInfo().field(bit);
     p->clear(bit);
     void* slot = Runtime::field(*p, f);
     switch (f.kind) {
@@ -197,64 +198,69 @@ void Record::resetField(int bit)
     }
 }
 
-void Record::setText(int bit, const QString& value)
+void Internal::setText(Record& r, int bit, const QString& value)
 {
-    Payload& p = payload();
-    Runtime::storeText(*this, p, GetClassInfo().field(bit), value);
+    Payload& p = payload(r);
+    Runtime::storeText(r, p, r.GetClassInfo().field(bit), value);
 }
 
-void Record::setEnum(int bit, quint8 value)
+void Internal::setEnum(Record& r, int bit, quint8 value)
 {
-    Payload& p = payload();
-    Runtime::storeEnum(*this, p, GetClassInfo().field(bit), value);
+    Payload& p = payload(r);
+    Runtime::storeEnum(r, p, r.GetClassInfo().field(bit), value);
 }
 
-void Record::appendEnum(int bit, quint8 value)
+void Internal::appendEnum(Record& r, int bit, quint8 value)
 {
-    Payload& p = payload();
-    Runtime::appendEnumValue(*this, p, GetClassInfo().field(bit), value);
+    Payload& p = payload(r);
+    Runtime::appendEnumValue(r, p, r.GetClassInfo().field(bit), value);
 }
 
-void Record::appendItem(int bit, const Record& item)
+void Internal::appendItem(Record& r, int bit, const Record& item)
 {
-    Payload& p = payload();
-    Runtime::append(*this, p, GetClassInfo().field(bit), item);
+    Payload& p = payload(r);
+    Runtime::append(r, p, r.GetClassInfo().field(bit), item);
 }
 
-QString Record::enumName(int bit, quint8 value) const
+QString Internal::enumName(const Record& r, int bit, quint8 value)
 {
-    const QStringList& names = *GetClassInfo().field(bit).enumInfo().names;
+    const QStringList& names = *r.GetClassInfo().field(bit).enumInfo().names;
     const qint8 index = qint8(value);
     return index >= 0 && index < names.size() ? names.at(index) : QString();
 }
 
-quint8 Record::enumIndex(int bit, const QString& name) const
+quint8 Internal::enumIndex(const Record& r, int bit, const QString& name)
 {
-    return Runtime::enumIndex(GetClassInfo().field(bit), name);
+    return Runtime::enumIndex(r.GetClassInfo().field(bit), name);
 }
 
-const QString& Record::schemaVersion() const
+bool Internal::enumValid(const Record& r, int bit, quint8 value)
 {
-    return Runtime::version(payload(), *GetClassInfo().version);
+    return Runtime::enumValid(r.GetClassInfo().field(bit), value);
 }
 
-const QString& Record::loadedVersion() const
+const QString& Internal::schemaVersion(const Record& r)
 {
-    const VersionInfo& v = *GetClassInfo().version;
-    return *reinterpret_cast<const QString*>(reinterpret_cast<const char*>(&payload()) + v.loadedOffset);
+    return Runtime::version(payload(r), *r.GetClassInfo().version);
 }
 
-bool Record::enumValid(int bit, quint8 value) const { return Runtime::enumValid(GetClassInfo().field(bit), value); }
+const QString& Internal::loadedVersion(const Record& r)
+{
+    const VersionInfo& v = *r.GetClassInfo().version;
+    return *reinterpret_cast<const QString*>(reinterpret_cast<const char*>(&payload(r)) + v.loadedOffset);
+}
+
+void Internal::readLeafXml(Record& r, QXmlStreamReader& reader) { Runtime::readLeafXml(r, reader); }
 
 // --- Whole-object rules ------------------------------------------------------------------
 
 bool Record::HasData() const { return Runtime::hasData(*this); }
 bool Record::AnyData() const { return Runtime::anyData(*this); }
-bool Record::equals(const Record& other) const { return Runtime::equal(*this, other); }
+bool Internal::equals(const Record& a, const Record& b) { return Runtime::equal(a, b); }
 
 bool Record::IsEqualTo(const Record& other) const
 {
-    return &GetClassInfo() == &other.GetClassInfo() && equals(other);
+    return &GetClassInfo() == &other.GetClassInfo() && Runtime::equal(*this, other);
 }
 
 void Record::Check() const { Check(false); }
@@ -293,8 +299,6 @@ void Record::ProcessXml(QXmlStreamReader& reader) { Runtime::readXml(*this, read
 
 void Record::ProcessXmlStartElement(QXmlStreamReader& reader) { Runtime::readXmlChildElement(*this, reader); }
 
-void Record::readLeafXml(QXmlStreamReader& reader) { Runtime::readLeafXml(*this, reader); }
-
 bool Record::GetBinary(QDataStream& stream, int tag, bool withTag) const
 {
     Runtime::handDown(*this);
@@ -306,7 +310,7 @@ bool Record::GetBinary(QDataStream& stream, int tag, bool withTag) const
 void Record::SetBinary(QDataStream& stream, int length)
 {
     Runtime::handDown(*this);
-    payload();
+    InitData();
     Runtime::readTagged(*this, stream, length);
 }
 

@@ -1,12 +1,76 @@
 // The reflection face, on the same field tables and rules as the forms.
 
-#include "schema/frame/Reflection.h"
+#include <EmitterDossierDoc/frame/Reflection.h>
 
-#include "schema/frame/Runtime.h"
-#include "schema/frame/TextForms.h"
+#include <EmitterDossierDoc/frame/ClassRegistry.h>
+
+#include "schema/frame/Runtime_p.h"
+#include "schema/frame/TextForms_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
+
+QString ClassName(const ClassInfo& info) { return QLatin1String(info.name); }
+qint64 ClassId(const ClassInfo& info) { return info.id; }
+bool IsLeafClass(const ClassInfo& info) { return info.leaf; }
+QString ClassSchemaVersion(const ClassInfo& info) { return info.version ? *info.version->text : QString(); }
+quint32 ClassVersionTag(const ClassInfo& info) { return info.version ? info.version->tag : 0; }
+int FieldCount(const ClassInfo& info) { return info.fieldCount; }
+const FieldInfo& FieldAt(const ClassInfo& info, int index) { return info.fields[index]; }
+const FieldInfo& FieldByBit(const ClassInfo& info, int bit) { return info.field(bit); }
+
+const FieldInfo* FindField(const ClassInfo& info, const QString& name)
+{
+    for (int i = 0; i < info.fieldCount; ++i)
+        if (*info.fields[i].name == name)
+            return &info.fields[i];
+    return nullptr;
+}
+
+const FieldInfo* FindFieldByTag(const ClassInfo& info, quint32 tag)
+{
+    for (int i = 0; i < info.fieldCount; ++i)
+        if (info.fields[i].tag == tag)
+            return &info.fields[i];
+    return nullptr;
+}
+
+const QString& FieldName(const FieldInfo& field) { return *field.name; }
+quint32 FieldTag(const FieldInfo& field) { return field.tag; }
+int FieldBit(const FieldInfo& field) { return field.bit; }
+Kind FieldKind(const FieldInfo& field) { return field.kind; }
+XmlForm FieldXmlForm(const FieldInfo& field) { return field.xml; }
+bool IsMandatory(const FieldInfo& field) { return field.mandatory; }
+
+QStringList EnumNames(const FieldInfo& field)
+{
+    return field.kind == Kind::Enum || field.kind == Kind::EnumList ? *field.enumInfo().names : QStringList();
+}
+
+const ClassInfo* ItemClass(const FieldInfo& field)
+{
+    if (field.kind == Kind::Child)
+        return &field.childOps().childClass();
+    if (field.kind == Kind::List)
+        return &field.listOps().itemClass();
+    return nullptr;
+}
+
+const ClassEntry* FindClass(const QString& name)
+{
+    for (const ClassEntry& entry : AllClasses())
+        if (QLatin1String(entry.info().name) == name)
+            return &entry;
+    return nullptr;
+}
+
+const ClassEntry* FindClass(qint64 id)
+{
+    for (const ClassEntry& entry : AllClasses())
+        if (entry.info().id == id)
+            return &entry;
+    return nullptr;
+}
 
 bool IsFieldSet(const Record& record, const FieldInfo& field)
 {
@@ -51,8 +115,6 @@ QString EnumItemText(const Record& record, const FieldInfo& field, int index)
     const QStringList& names = *values.names.names;
     return value >= 0 && value < names.size() ? names.at(value) : QString();
 }
-
-const FieldInfo& FieldByBit(const ClassInfo& info, int bit) { return info.field(bit); }
 
 void CheckOwnFields(const Record& record, bool traceOnly) { Runtime::check(record, traceOnly, false); }
 

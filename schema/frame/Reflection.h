@@ -1,20 +1,87 @@
 #pragma once
 
-// Read-only access to any record through its class's field table, for tools
-// that handle records of every class alike: a viewer, a differ, a checker that
-// names the object of each fault. Reading a field never sets a presence bit;
-// it may create an empty payload, as the const accessors do.
+// The read-only reflection view: the classes of the library, their fields as
+// the field tables describe them, and the values of any record read through
+// them. For tools that handle records of every class alike: a viewer, a
+// differ, a checker that names the object of each fault.
+//
+// ClassInfo and FieldInfo are opaque: a class's table is had from
+// `C::StaticClassInfo()`, `record.GetClassInfo()` or AllClasses(), and read
+// with the functions below. Reading a field's value never sets a presence
+// bit; it may create an empty payload, as the const accessors do.
 
 #include <functional>
 
 #include <QString>
+#include <QStringList>
 
-#include "edd_export.h"
-#include "schema/frame/ClassInfo.h"
-#include "schema/frame/Record.h"
+#include <EmitterDossierDoc/edd_export.h>
+#include <EmitterDossierDoc/frame/Record.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
+
+struct FieldInfo;
+
+// What a field holds.
+enum class Kind : quint8 {
+    Double,    // double; decimal text with two places in XML and the tagged form
+    UInt64,    // quint64; ids, indices and counts
+    Bool,      // bool
+    Text,      // QString
+    DateTime,  // QDateTime, through Converters
+    Enum,      // one byte, an index into the field's name list
+    Child,     // a nested record held by value
+    List,      // a QVector of nested records
+    EnumList,  // a QVector of enumeration values
+};
+
+// Where a field stands in the XML form of its class.
+enum class XmlForm : quint8 {
+    Attribute,  // attribute of the element (also accepted as a child element when reading)
+    Element,    // text child element named after the field
+    Content,    // the text content of a leaf element
+    Child,      // the child's own element
+    List,       // one element per item
+};
+
+// --- Classes -------------------------------------------------------------------------
+
+// The class name, which is also the name of its element.
+EDD_EXPORT QString ClassName(const ClassInfo& info);
+EDD_EXPORT qint64 ClassId(const ClassInfo& info);
+// True for a class of attributes and text content, without child elements.
+EDD_EXPORT bool IsLeafClass(const ClassInfo& info);
+// The schema version that a root class writes first in every form; empty for other classes.
+EDD_EXPORT QString ClassSchemaVersion(const ClassInfo& info);
+// The tag of the version's record in the tagged form; 0 for classes without a version.
+EDD_EXPORT quint32 ClassVersionTag(const ClassInfo& info);
+
+EDD_EXPORT int FieldCount(const ClassInfo& info);
+// The fields in the order of writing (XML and tagged form), 0 to FieldCount - 1.
+EDD_EXPORT const FieldInfo& FieldAt(const ClassInfo& info, int index);
+// The fields in the order of their presence bits, which is the raw form's order.
+EDD_EXPORT const FieldInfo& FieldByBit(const ClassInfo& info, int bit);
+// The field of that name or tag; null if the class has none.
+EDD_EXPORT const FieldInfo* FindField(const ClassInfo& info, const QString& name);
+EDD_EXPORT const FieldInfo* FindFieldByTag(const ClassInfo& info, quint32 tag);
+
+// --- Fields --------------------------------------------------------------------------
+
+// The property name, also its XML name.
+EDD_EXPORT const QString& FieldName(const FieldInfo& field);
+EDD_EXPORT quint32 FieldTag(const FieldInfo& field);
+// The presence bit, also the field's place in the raw form.
+EDD_EXPORT int FieldBit(const FieldInfo& field);
+EDD_EXPORT Kind FieldKind(const FieldInfo& field);
+EDD_EXPORT XmlForm FieldXmlForm(const FieldInfo& field);
+EDD_EXPORT bool IsMandatory(const FieldInfo& field);
+// The names of an Enum or EnumList field in index order; empty for other kinds.
+EDD_EXPORT QStringList EnumNames(const FieldInfo& field);
+// The class of a Child field's object or of a List field's items; null for other kinds.
+EDD_EXPORT const ClassInfo* ItemClass(const FieldInfo& field);
+
+// --- Values --------------------------------------------------------------------------
 
 // Whether the field's presence bit is set.
 EDD_EXPORT bool IsFieldSet(const Record& record, const FieldInfo& field);
@@ -35,9 +102,6 @@ EDD_EXPORT int ItemCount(const Record& record, const FieldInfo& field);
 EDD_EXPORT const Record& ItemOf(const Record& record, const FieldInfo& field, int index);
 // The name of a value of an EnumList field, empty when it is invalid.
 EDD_EXPORT QString EnumItemText(const Record& record, const FieldInfo& field, int index);
-
-// The fields of a class in the order of their presence bits.
-EDD_EXPORT const FieldInfo& FieldByBit(const ClassInfo& info, int bit);
 
 // What `Check(traceOnly)` tests of this record's own fields, without going
 // into its children and items: faults are raised or logged as Check does.

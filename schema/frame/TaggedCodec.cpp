@@ -3,12 +3,12 @@
 // is written as a placeholder and patched once its payload is complete: among
 // the bytes still gathered, or else by seeking back on the device.
 
-#include "recordkit/Converters.h"
-#include "schema/frame/DataIn.h"
-#include "schema/frame/DataOut.h"
-#include "schema/frame/Limits.h"
-#include "schema/frame/Runtime.h"
-#include "schema/frame/TextForms.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
+#include "schema/frame/DataIn_p.h"
+#include "schema/frame/DataOut_p.h"
+#include "schema/frame/Limits_p.h"
+#include "schema/frame/Runtime_p.h"
+#include "schema/frame/TextForms_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {

@@ -1,11 +1,11 @@
-#include "schema/frame/TextForms.h"
+#include "schema/frame/TextForms_p.h"
 
 #include <charconv>
 #include <cmath>
 #include <limits>
 
-#include "recordkit/Converters.h"
-#include "schema/frame/Runtime.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
+#include "schema/frame/Runtime_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {

@@ -1,9 +1,9 @@
 // The XML form: a leaf element (attributes and text content) or a branch
 // element (attributes and child elements), by the class's field table.
 
-#include "recordkit/Converters.h"
-#include "schema/frame/Runtime.h"
-#include "schema/frame/TextForms.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
+#include "schema/frame/Runtime_p.h"
+#include "schema/frame/TextForms_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -295,7 +295,7 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
             if (isNumber(f))
                 storeFromRef(r, p, f, QStringRef(&numberText(reader)), false);
             else
-                storeFromText(r, p, f, textValue(r, reader), false);
+                storeFromText(r, p, f, reader.readElementText(QXmlStreamReader::SkipChildElements), false);
             break;
         case XmlForm::Child:
             child(p, f).ProcessXml(reader);
@@ -303,7 +303,7 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
             break;
         case XmlForm::List:
             if (f.kind == Kind::EnumList) {
-                appendEnumValue(r, p, f, enumIndex(f, textValue(r, reader)));
+                appendEnumValue(r, p, f, enumIndex(f, reader.readElementText(QXmlStreamReader::SkipChildElements)));
                 break;
             }
             {
@@ -355,7 +355,7 @@ void Runtime::readLeafXml(Record& r, QXmlStreamReader& reader)
             value<quint64>(p, *content) = quint64(text.toLongLong());
         p.set(content->bit);
     } else {
-        const QString text = textValue(r, reader);
+        const QString text = reader.readElementText(QXmlStreamReader::SkipChildElements);
         if (content) {
             if (content->kind == Kind::Text)
                 value<QString>(p, *content) = text.isNull() ? QStringLiteral("") : text;

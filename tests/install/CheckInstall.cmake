@@ -1,12 +1,12 @@
 # Run by CTest with cmake -P. Installs the main build into PREFIX, then proves
 # that the installed tree alone is enough to build and run a program:
-#   1. the expected files are installed, each header in its folder;
+#   1. the installed files are those of installed-files.txt, no more, no fewer;
 #   2. the version file accepts the same major version and refuses another;
 #   3. a separate CMake project finds the package in PREFIX, builds and runs;
 #   4. pkg-config gives flags that compile, link and run the same program.
 cmake_minimum_required(VERSION 3.16)
 
-foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR INCLUDEDIR CONSUMER_SOURCE CONSUMER_BUILD
+foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR INCLUDEDIR GOLDEN CONSUMER_SOURCE CONSUMER_BUILD
             GENERATOR CXX_COMPILER EXPECTED_VERSION)
   if("${${var}}" STREQUAL "")
     message(FATAL_ERROR "install check: ${var} is not given")
@@ -44,41 +44,40 @@ if(NOT "${CONFIG}" STREQUAL "")
 endif()
 run_step("cmake --install" ${install_cmd})
 
-set(inc "${PREFIX}/${INCLUDEDIR}/EmitterDossierDoc")
 set(lib "${PREFIX}/${LIBDIR}")
 string(REGEX MATCH "^[0-9]+" major "${EXPECTED_VERSION}")
-set(expected_files
-  "${inc}/EmitterDossierDoc.h"
-  "${inc}/edd_export.h"
-  "${inc}/recordkit/IRKObject.h"
-  "${inc}/recordkit/Logger.h"
-  "${inc}/recordkit/RKException.h"
-  "${inc}/schema/frame/Record.h"
-  "${inc}/schema/frame/ClassInfo.h"
-  "${inc}/schema/values/AgeOutTime.h"
-  "${inc}/schema/dossier/Alternatives.h"
-  "${lib}/libEmitterDossierDoc.so"
-  "${lib}/libEmitterDossierDoc.so.${major}"
-  "${lib}/libEmitterDossierDoc.so.${EXPECTED_VERSION}"
-  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfig.cmake"
-  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfigVersion.cmake"
-  "${lib}/cmake/EmitterDossierDoc/EmitterDossierDocTargets.cmake"
-  "${lib}/pkgconfig/EmitterDossierDoc.pc")
-foreach(f ${expected_files})
-  if(NOT EXISTS "${f}")
-    message(FATAL_ERROR "install check: ${f} was not installed")
-  endif()
+
+# Every installed file, against the list in installed-files.txt: a header that
+# slips into the installed tree or out of it is a visible difference. The list
+# writes the library and include folders as @LIBDIR@ and @INCLUDEDIR@, the
+# version as @VERSION@ and @MAJOR@, and the lower-case build type as @CONFIG@.
+file(GLOB_RECURSE installed LIST_DIRECTORIES false RELATIVE "${PREFIX}" "${PREFIX}/*")
+list(SORT installed)
+string(TOLOWER "${CONFIG}" config_lower)
+if(config_lower STREQUAL "")
+  set(config_lower noconfig)
+endif()
+file(STRINGS "${GOLDEN}" expected REGEX "^[^#]")
+set(expanded)
+foreach(line ${expected})
+  string(REPLACE "@LIBDIR@" "${LIBDIR}" line "${line}")
+  string(REPLACE "@INCLUDEDIR@" "${INCLUDEDIR}" line "${line}")
+  string(REPLACE "@VERSION@" "${EXPECTED_VERSION}" line "${line}")
+  string(REPLACE "@MAJOR@" "${major}" line "${line}")
+  string(REPLACE "@CONFIG@" "${config_lower}" line "${line}")
+  list(APPEND expanded "${line}")
 endforeach()
-# Headers keep their folders: nothing of the subfolders lands flat in the top.
-foreach(flat AgeOutTime.h Record.h IRKObject.h)
-  if(EXISTS "${inc}/${flat}")
-    message(FATAL_ERROR "install check: ${inc}/${flat} is installed without its folder")
-  endif()
-endforeach()
-# Sources and private frame headers stay out of the installed tree.
-file(GLOB_RECURSE stray "${inc}/*.cpp" "${inc}/schema/frame/Runtime.h" "${inc}/schema/frame/Ops.h")
-if(stray)
-  message(FATAL_ERROR "install check: files that are not public headers were installed: ${stray}")
+list(SORT expanded)
+set(extra ${installed})
+list(REMOVE_ITEM extra ${expanded})
+set(missing ${expanded})
+list(REMOVE_ITEM missing ${installed})
+if(extra OR missing)
+  string(REPLACE ";" "\n  + " extra_text "${extra}")
+  string(REPLACE ";" "\n  - " missing_text "${missing}")
+  message(FATAL_ERROR "install check: the installed files differ from ${GOLDEN}\n"
+                      "installed but not listed:\n  + ${extra_text}\n"
+                      "listed but not installed:\n  - ${missing_text}")
 endif()
 
 # --- 2. version compatibility ------------------------------------------------
@@ -164,7 +163,8 @@ string(STRIP "${step_output}" pc_flags)
 message(STATUS "pkg-config flags: ${pc_flags}")
 separate_arguments(pc_flag_list UNIX_COMMAND "${pc_flags}")
 
-# Every -I and -L of ours must name an existing folder of the prefix.
+# Every -I and -L of ours must name an existing folder of the prefix, and the
+# include folder is the prefix's include directory alone.
 set(saw_include FALSE)
 set(saw_include_sub FALSE)
 set(saw_libdir FALSE)
@@ -180,8 +180,8 @@ foreach(flag ${pc_flag_list})
     endif()
   endif()
 endforeach()
-if(NOT saw_include OR NOT saw_include_sub OR NOT saw_libdir)
-  message(FATAL_ERROR "install check: pkg-config flags lack the prefix's include dirs or lib dir: ${pc_flags}")
+if(NOT saw_include OR saw_include_sub OR NOT saw_libdir)
+  message(FATAL_ERROR "install check: pkg-config flags should name the prefix's include dir alone and its lib dir: ${pc_flags}")
 endif()
 if(NOT pc_flags MATCHES "(^| )-lEmitterDossierDoc( |$)" OR NOT pc_flags MATCHES "(^| )-lQt5Core( |$)")
   message(FATAL_ERROR "install check: pkg-config flags lack -lEmitterDossierDoc or Qt5Core: ${pc_flags}")

@@ -15,6 +15,9 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+// The layout of the field tables, which the tests read to walk every class.
+#include "schema/frame/ClassInfo_p.h"
+
 #include <ostream>
 
 // Lets GoogleTest print texts in its failure messages.

@@ -12,6 +12,8 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
+#include "schema/frame/ClassInfo_p.h"
+
 namespace dossier_tool {
 
 using EMITTERDOSSIERDOC::Frame::ClassEntry;

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-#include "schema/frame/ClassInfo.h"
-#include "schema/frame/Record.h"
+#include "schema/frame/ClassInfo_p.h"
+#include <EmitterDossierDoc/frame/Record.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {

@@ -7,8 +7,8 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include "schema/frame/ClassInfo.h"
-#include "schema/frame/Record.h"
+#include "schema/frame/ClassInfo_p.h"
+#include "schema/frame/Payload_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -45,13 +45,9 @@ private:
 class Runtime {
 public:
     // --- Payload access ---------------------------------------------------------
-    static Payload& payload(const Record& r) { return r.payload(); }
+    static Payload& payload(const Record& r) { return Internal::payload(r); }
     // The payload if there is one (detached), without creating it.
-    static Payload* existing(const Record& r)
-    {
-        r.detach();
-        return r.d;
-    }
+    static Payload* existing(const Record& r) { return Internal::existing(r); }
     static void* field(Payload& p, const FieldInfo& f) { return reinterpret_cast<char*>(&p) + f.offset; }
     template <class T>
     static T& value(Payload& p, const FieldInfo& f)
@@ -72,8 +68,8 @@ public:
     static void adopt(const Record& owner, const Record& item)
     {
         item.RECORDKIT::IRKObject::SetValidate(owner.GetValidate());
-        if (owner.logger())
-            item.RECORDKIT::IRKObject::SetLogger(owner.logger());
+        if (const auto& logger = Internal::RecordAccess::loggerOf(owner))
+            item.RECORDKIT::IRKObject::SetLogger(logger);
     }
 
     // --- Reporting ----------------------------------------------------------------
@@ -82,7 +78,7 @@ public:
     // A fault found by Check: raised unless only tracing.
     static void reportCheck(const Record& r, RKException& e, bool traceOnly)
     {
-        r.TraceOrThrow(RECORDKIT::ERROR, e, !traceOnly, true);
+        Internal::RecordAccess::traceOrThrow(r, RECORDKIT::ERROR, e, !traceOnly, true);
     }
     // A fault that is logged and never raised: an error with validation on, a warning without.
     static void reportSoft(const Record& r, RKException& e);
@@ -130,7 +126,6 @@ public:
     static void readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader);
     static void readXmlChildElement(Record& r, QXmlStreamReader& reader);
     static void readLeafXml(Record& r, QXmlStreamReader& reader);
-    static QString textValue(Record& r, QXmlStreamReader& reader) { return r.GetTextValue(reader); }
 
     static bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
     static bool writeTagged(const Record& r, DataOut& out, int tag, bool withTag);

@@ -6,8 +6,8 @@
 
 #include <QVector>
 
-#include "schema/frame/ClassInfo.h"
-#include "schema/frame/Record.h"
+#include "schema/frame/ClassInfo_p.h"
+#include "schema/frame/Payload_p.h"
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -17,7 +17,7 @@ struct ChildOpsFor {
     static Record& get(void* field) { return *static_cast<C*>(field); }
     static const Record& cget(const void* field) { return *static_cast<const C*>(field); }
     static void reset(void* field) { *static_cast<C*>(field) = C(); }
-    static constexpr ChildOps ops = {&get, &cget, &reset};
+    static constexpr ChildOps ops = {&C::StaticClassInfo, &get, &cget, &reset};
 };
 
 template <class C>
@@ -50,7 +50,7 @@ struct ListOpsFor {
         static const QString name = C::GetStaticObjectName();
         return name;
     }
-    static constexpr ListOps ops = {&size, &at, &cat, &reserve, &appendDefault,
+    static constexpr ListOps ops = {&C::StaticClassInfo, &size, &at, &cat, &reserve, &appendDefault,
                                     &append, &removeLast, &clear, &trim, &itemName};
 };
 

@@ -1,7 +1,12 @@
 #pragma once
 
+// The layout of the field tables that generated classes fill and the runtime
+// reads. Internal to the library: users read tables through Reflection.h.
+
 #include <QString>
 #include <QStringList>
+
+#include <EmitterDossierDoc/frame/Reflection.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -9,30 +14,9 @@ namespace Frame {
 class Record;
 struct Payload;
 
-// What a field holds.
-enum class Kind : quint8 {
-    Double,    // double; decimal text with two places in XML and the tagged form
-    UInt64,    // quint64; ids, indices and counts
-    Bool,      // bool
-    Text,      // QString
-    DateTime,  // QDateTime, through Converters
-    Enum,      // one byte, an index into the field's name list
-    Child,     // a nested record held by value
-    List,      // a QVector of nested records
-    EnumList,  // a QVector of enumeration values
-};
-
-// Where a field stands in the XML form of its class.
-enum class XmlForm : quint8 {
-    Attribute,  // attribute of the element (also accepted as a child element when reading)
-    Element,    // text child element named after the field
-    Content,    // the text content of a leaf element
-    Child,      // the child's own element
-    List,       // one element per item
-};
-
 // Operations on a nested record held by value in a payload.
 struct ChildOps {
+    const ClassInfo& (*childClass)();
     Record& (*get)(void* field);
     const Record& (*cget)(const void* field);
     void (*reset)(void* field);  // assigns a fresh default object
@@ -40,6 +24,7 @@ struct ChildOps {
 
 // Operations on a QVector of nested records held in a payload.
 struct ListOps {
+    const ClassInfo& (*itemClass)();
     int (*size)(const void* list);
     Record& (*at)(void* list, int index);
     const Record& (*cat)(const void* list, int index);
