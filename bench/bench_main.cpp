@@ -60,15 +60,7 @@ Alternatives makeThousand() { return makeAlternatives(1000); }
 // A technical block with every property set, 10,000 pulse items and 1,000 PRI items.
 ELINTParameter makeParameters() { return testing_support::filledParameters(10000, 1000); }
 
-QByteArray rawBytes(const Frame::Record& object)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QDataStream stream(&buffer);
-    object.GetVersionSpecificBinaryWithoutValidation(stream);
-    return bytes;
-}
+QByteArray rawBytes(const Frame::Record& object) { return Frame::RawFormBytes(object); }
 
 // --- The three forms ----------------------------------------------------------
 

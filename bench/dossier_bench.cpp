@@ -202,16 +202,9 @@ struct Fixture {
     QByteArray xmlUtf8 = xml.toUtf8();
     qint64 xmlBytes = xmlUtf8.size();
     QByteArray tagged = dossier.GetBinaryRepresentationAsQByteArray();
-    QByteArray raw;
+    QByteArray raw = Frame::RawFormBytes(dossier);
     PlainBulk bulk = plainBulk(dossier);
 
-    Fixture()
-    {
-        QBuffer buffer(&raw);
-        buffer.open(QIODevice::WriteOnly);
-        QDataStream stream(&buffer);
-        dossier.GetVersionSpecificBinaryWithoutValidation(stream);
-    }
     static Fixture& get()
     {
         static Fixture fixture;

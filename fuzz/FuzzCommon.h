@@ -43,9 +43,8 @@ inline std::unique_ptr<Record> fresh(const ClassEntry& entry, bool validate)
 
 inline void readRaw(Record& record, const QByteArray& bytes)
 {
-    QDataStream stream(bytes);
     try {
-        record.SetVersionSpecificBinaryWithoutValidation(stream);
+        EMITTERDOSSIERDOC::Frame::ReadRawForm(record, bytes);
     } catch (const RKException&) {
         // With validation on, an incomplete item refuses to be appended.
     }
@@ -66,13 +65,7 @@ inline void exercise(const ClassEntry& entry, const Record& record)
         tagged = record.GetBinaryRepresentationAsQByteArray();
     } catch (const RKException&) {
     }
-    QByteArray raw;
-    {
-        QBuffer buffer(&raw);
-        buffer.open(QIODevice::WriteOnly);
-        QDataStream stream(&buffer);
-        record.GetVersionSpecificBinaryWithoutValidation(stream);
-    }
+    const QByteArray raw = EMITTERDOSSIERDOC::Frame::RawFormBytes(record);
 
     const bool validate = record.GetValidate();
     if (!xml.isEmpty())

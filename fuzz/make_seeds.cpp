@@ -28,15 +28,7 @@ bool write(const QString& path, const QByteArray& bytes)
 
 QByteArray withPrefix(char prefix, const QByteArray& bytes) { return QByteArray(1, prefix) + bytes; }
 
-QByteArray rawOf(const Frame::Record& record)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QDataStream stream(&buffer);
-    record.GetVersionSpecificBinaryWithoutValidation(stream);
-    return bytes;
-}
+QByteArray rawOf(const Frame::Record& record) { return Frame::RawFormBytes(record); }
 
 // The records of an object's block, as a parent hands them to SetBinary.
 QByteArray recordsOf(const Frame::Record& record)

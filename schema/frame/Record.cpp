@@ -1,5 +1,7 @@
 #include <EmitterDossierDoc/frame/Record.h>
 
+#include <QBuffer>
+#include <QDataStream>
 #include <QObject>
 
 #include "schema/frame/Payload_p.h"
@@ -317,6 +319,25 @@ void Record::SetBinary(QDataStream& stream, int length)
 void Record::GetVersionSpecificBinaryWithoutValidation(QDataStream& stream) const { Runtime::writeRaw(*this, stream); }
 
 void Record::SetVersionSpecificBinaryWithoutValidation(QDataStream& stream) { Runtime::readRaw(*this, stream); }
+
+QByteArray RawFormBytes(const Record& record)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QDataStream stream(&buffer);
+    record.GetVersionSpecificBinaryWithoutValidation(stream);
+    return bytes;
+}
+
+void ReadRawForm(Record& record, const QByteArray& bytes)
+{
+    QByteArray copy = bytes;  // shares the data; QBuffer wants a non-const array
+    QBuffer buffer(&copy);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    record.SetVersionSpecificBinaryWithoutValidation(stream);
+}
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

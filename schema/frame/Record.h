@@ -65,5 +65,13 @@ private:
     mutable Payload* d = nullptr;
 };
 
+// The raw form of a record as bytes, as GetVersionSpecificBinaryWithoutValidation
+// writes it to a QDataStream of default settings (big-endian).
+EDD_EXPORT QByteArray RawFormBytes(const Record& record);
+// Reads the raw form from bytes, as SetVersionSpecificBinaryWithoutValidation
+// reads it from a QDataStream of default settings; what the stream meets is
+// raised as that function raises it. Bytes beyond the record are left unread.
+EDD_EXPORT void ReadRawForm(Record& record, const QByteArray& bytes);
+
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

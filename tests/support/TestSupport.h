@@ -67,20 +67,12 @@ inline void readTagged(RECORDKIT::IRKObject& object, QByteArray bytes, int lengt
 
 inline QByteArray raw(const EMITTERDOSSIERDOC::Frame::Record& object)
 {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QDataStream stream(&buffer);
-    object.GetVersionSpecificBinaryWithoutValidation(stream);
-    return bytes;
+    return EMITTERDOSSIERDOC::Frame::RawFormBytes(object);
 }
 
-inline void readRaw(EMITTERDOSSIERDOC::Frame::Record& object, QByteArray bytes)
+inline void readRaw(EMITTERDOSSIERDOC::Frame::Record& object, const QByteArray& bytes)
 {
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QDataStream stream(&buffer);
-    object.SetVersionSpecificBinaryWithoutValidation(stream);
+    EMITTERDOSSIERDOC::Frame::ReadRawForm(object, bytes);
 }
 
 // The bytes QDataStream gives for a sequence of values, to spell out expected layouts.
