@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include <EmitterDossierDoc/frame/Record.h>
+#include <EmitterDossierDoc/recordkit/RKException.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -65,6 +66,9 @@ inline Payload* existing(const Record& r)
     detach(r);
     return RecordAccess::slot(r);
 }
+
+// A member of a payload, by its offset in the payload type.
+inline void* at(Payload& p, quint16 offset) { return reinterpret_cast<char*>(&p) + offset; }
 
 // --- For the accessors of generated classes; `bit` names a property. ---------------
 

@@ -10,13 +10,13 @@
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
-void Runtime::writeRaw(const Record& r, QDataStream& stream)
+void Internal::writeRaw(const Record& r, QDataStream& stream)
 {
     DataOut out(stream);
     writeRaw(r, out);
 }
 
-void Runtime::writeRaw(const Record& r, DataOut& out)
+void Internal::writeRaw(const Record& r, DataOut& out)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
@@ -26,7 +26,7 @@ void Runtime::writeRaw(const Record& r, DataOut& out)
         bitmap[i] = char(p.presence >> (8 * i));
     out.writeRaw(bitmap, info.bitmapBytes());
     if (info.version)
-        out.viaStream([&](QDataStream& stream) { stream << version(p, *info.version); });
+        out.viaStream([&](QDataStream& stream) { stream << schemaVersionOf(p, *info.version); });
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
         const bool present = written(p, f);
@@ -104,13 +104,13 @@ static void endList(DataIn& in, qint32 read, qint32 count)
         in.setStatus(QDataStream::ReadPastEnd);
 }
 
-void Runtime::readRaw(Record& r, QDataStream& stream)
+void Internal::readRaw(Record& r, QDataStream& stream)
 {
     DataIn in(stream);
     readRaw(r, in);
 }
 
-void Runtime::readRaw(Record& r, DataIn& in)
+void Internal::readRaw(Record& r, DataIn& in)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
@@ -175,7 +175,7 @@ void Runtime::readRaw(Record& r, DataIn& in)
             ops.reserve(list, ops.size(list) + reservableItems(in.bytesLeft(), count, MinRawItemBytes));
             qint32 k = 0;
             for (; k < count && in.status() == QDataStream::Ok && !in.atEnd(); ++k) {
-                PendingItem item(r, p, f);
+                Internal::PendingItem item(r, p, f);
                 readRaw(item.item(), in);
                 item.finish();
             }

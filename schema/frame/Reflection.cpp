@@ -74,28 +74,28 @@ const ClassEntry* FindClass(qint64 id)
 
 bool IsFieldSet(const Record& record, const FieldInfo& field)
 {
-    Payload* p = Runtime::existing(record);
+    Payload* p = Internal::existing(record);
     return p && p->test(field.bit);
 }
 
 QString FieldText(const Record& record, const FieldInfo& field)
 {
-    return fieldText(Runtime::payload(record), field);
+    return fieldText(Internal::payload(record), field);
 }
 
 double FieldDouble(const Record& record, const FieldInfo& field)
 {
-    return field.kind == Kind::Double ? Runtime::value<double>(Runtime::payload(record), field) : 0.0;
+    return field.kind == Kind::Double ? Internal::value<double>(Internal::payload(record), field) : 0.0;
 }
 
 const Record& ChildOf(const Record& record, const FieldInfo& field)
 {
-    return field.childOps().cget(Runtime::field(Runtime::payload(record), field));
+    return field.childOps().cget(Internal::field(Internal::payload(record), field));
 }
 
 int ItemCount(const Record& record, const FieldInfo& field)
 {
-    const void* list = Runtime::field(Runtime::payload(record), field);
+    const void* list = Internal::field(Internal::payload(record), field);
     if (field.kind == Kind::List)
         return field.listOps().size(list);
     if (field.kind == Kind::EnumList)
@@ -105,18 +105,17 @@ int ItemCount(const Record& record, const FieldInfo& field)
 
 const Record& ItemOf(const Record& record, const FieldInfo& field, int index)
 {
-    return field.listOps().cat(Runtime::field(Runtime::payload(record), field), index);
+    return field.listOps().cat(Internal::field(Internal::payload(record), field), index);
 }
 
 QString EnumItemText(const Record& record, const FieldInfo& field, int index)
 {
     const EnumListInfo& values = field.enumListInfo();
-    const qint8 value = qint8(values.at(Runtime::field(Runtime::payload(record), field), index));
-    const QStringList& names = *values.names.names;
-    return value >= 0 && value < names.size() ? names.at(value) : QString();
+    const QString* name = Internal::enumName(values.names, values.at(Internal::field(Internal::payload(record), field), index));
+    return name ? *name : QString();
 }
 
-void CheckOwnFields(const Record& record, bool traceOnly) { Runtime::check(record, traceOnly, false); }
+void CheckOwnFields(const Record& record, bool traceOnly) { Internal::check(record, traceOnly, false); }
 
 static void visitChecked(const Record& record, const QString& path,
                          const std::function<void(const QString&, const Record&)>& visit)

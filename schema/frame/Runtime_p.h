@@ -1,6 +1,7 @@
 #pragma once
 
-// The rules of the frame, written once and driven by the field tables.
+// The rules of the frame, written once and driven by the field tables: free
+// functions of Frame::Internal, each group in the file its heading names.
 // Internal to the library.
 
 #include <QDataStream>
@@ -16,6 +17,8 @@ namespace Frame {
 class DataIn;
 class DataOut;
 struct TextRoom;
+
+namespace Internal {
 
 // An item that a reader makes in place at the end of a list and reads there.
 // It stays only if its read completes and the list's append rule takes it: an
@@ -42,101 +45,127 @@ private:
     bool m_finished = false;
 };
 
-class Runtime {
-public:
-    // --- Payload access ---------------------------------------------------------
-    static Payload& payload(const Record& r) { return Internal::payload(r); }
-    // The payload if there is one (detached), without creating it.
-    static Payload* existing(const Record& r) { return Internal::existing(r); }
-    static void* field(Payload& p, const FieldInfo& f) { return reinterpret_cast<char*>(&p) + f.offset; }
-    template <class T>
-    static T& value(Payload& p, const FieldInfo& f)
-    {
-        return *static_cast<T*>(field(p, f));
+// --- The fields of a payload -----------------------------------------------------------
+inline void* field(Payload& p, const FieldInfo& f) { return at(p, f.offset); }
+template <class T>
+T& value(Payload& p, const FieldInfo& f)
+{
+    return *static_cast<T*>(field(p, f));
+}
+inline Record& child(Payload& p, const FieldInfo& f) { return f.childOps().get(field(p, f)); }
+
+// --- Flag and logger (Payload.cpp) -------------------------------------------------
+// Calls `visit` on every child and every list item the payload holds: the walk
+// by which a record hands its flag and logger down.
+template <class Visit>
+void forEachChildRecord(Payload& p, const ClassInfo& info, Visit visit)
+{
+    for (int i = 0; i < info.fieldCount; ++i) {
+        const FieldInfo& f = info.fields[i];
+        if (f.kind == Kind::Child) {
+            visit(child(p, f));
+        } else if (f.kind == Kind::List) {
+            void* list = field(p, f);
+            const ListOps& ops = f.listOps();
+            for (int k = 0, n = ops.size(list); k < n; ++k)
+                visit(ops.at(list, k));
+        }
     }
-    static Record& child(Payload& p, const FieldInfo& f) { return f.childOps().get(field(p, f)); }
+}
+// Hands the object's validate flag and logger down its whole tree.
+inline void handDown(const Record& r)
+{
+    r.SetValidate(r.GetValidate());
+    r.SetLogger(r.GetLogger());
+}
+// Gives a fresh item, which has no payload and so no children yet, the flag
+// and logger of the object that holds it.
+inline void adopt(const Record& owner, const Record& item)
+{
+    item.RECORDKIT::IRKObject::SetValidate(owner.GetValidate());
+    if (const auto& logger = RecordAccess::loggerOf(owner))
+        item.RECORDKIT::IRKObject::SetLogger(logger);
+}
 
-    // --- Flag and logger --------------------------------------------------------
-    // Hands the object's validate flag and logger down its whole tree.
-    static void handDown(const Record& r)
-    {
-        r.SetValidate(r.GetValidate());
-        r.SetLogger(r.GetLogger());
-    }
-    // Gives a fresh item, which has no payload and so no children yet, the flag
-    // and logger of the object that holds it.
-    static void adopt(const Record& owner, const Record& item)
-    {
-        item.RECORDKIT::IRKObject::SetValidate(owner.GetValidate());
-        if (const auto& logger = Internal::RecordAccess::loggerOf(owner))
-            item.RECORDKIT::IRKObject::SetLogger(logger);
-    }
+// --- Reporting (Reporting.cpp) -------------------------------------------------------
+// A fault of a setter, an append or a writer: raised with validation on, a warning without.
+void report(const Record& r, RKException& e);
+// A fault found by Check: raised unless only tracing.
+inline void reportCheck(const Record& r, RKException& e, bool traceOnly)
+{
+    RecordAccess::traceOrThrow(r, RECORDKIT::ERROR, e, !traceOnly, true);
+}
+// A fault that is logged and never raised: an error with validation on, a warning without.
+void reportSoft(const Record& r, RKException& e);
+// The length error of the tagged reader, raised.
+[[noreturn]] void lengthError(const Record& r);
 
-    // --- Reporting ----------------------------------------------------------------
-    // A fault of a setter, an append or a writer: raised with validation on, a warning without.
-    static void report(const Record& r, RKException& e);
-    // A fault found by Check: raised unless only tracing.
-    static void reportCheck(const Record& r, RKException& e, bool traceOnly)
-    {
-        Internal::RecordAccess::traceOrThrow(r, RECORDKIT::ERROR, e, !traceOnly, true);
-    }
-    // A fault that is logged and never raised: an error with validation on, a warning without.
-    static void reportSoft(const Record& r, RKException& e);
-    [[noreturn]] static void lengthError(const Record& r);
-    static QString objectName(const Record& r) { return r.GetObjectName(); }
+// --- Presence and Check (PresenceAndCheck.cpp) ---------------------------------------
+// Whether a writer puts out a plain field: mandatory numbers, names and texts
+// always, with whatever they hold; optional ones, booleans and dates only when set.
+inline bool written(const Payload& p, const FieldInfo& f)
+{
+    return p.test(f.bit) || (f.mandatory && f.kind != Kind::Bool && f.kind != Kind::DateTime);
+}
+bool hasData(const Record& r);
+bool anyData(const Record& r);
+// Check of a record; without `descend` only its own fields, not what its children and items hold.
+void check(const Record& r, bool traceOnly, bool descend = true);
 
-    // --- Field rules ------------------------------------------------------------------
-    // Whether a writer puts out a plain field: mandatory numbers, names and texts
-    // always, with whatever they hold; optional ones, booleans and dates only when set.
-    static bool written(const Payload& p, const FieldInfo& f)
-    {
-        return p.test(f.bit) || (f.mandatory && f.kind != Kind::Bool && f.kind != Kind::DateTime);
-    }
-    static bool hasData(const Record& r);
-    static bool anyData(const Record& r);
-    // Check of a record; without `descend` only its own fields, not what its children and items hold.
-    static void check(const Record& r, bool traceOnly, bool descend = true);
-    static bool equal(const Record& a, const Record& b);
-    static void resetFields(Payload& p, const ClassInfo& info);
-    static void merge(Record& target, const Record& source);
+// --- Compare and merge (CompareAndMerge.cpp) -----------------------------------------
+bool equal(const Record& a, const Record& b);
+void merge(Record& target, const Record& source);
 
-    static void storeText(Record& r, Payload& p, const FieldInfo& f, const QString& value);
-    static void storeEnum(Record& r, Payload& p, const FieldInfo& f, quint8 value);
-    static bool enumValid(const FieldInfo& f, quint8 value);
-    // The index of `name` in the field's name list, 0xFF if it is not there.
-    static quint8 enumIndex(const FieldInfo& f, const QString& name);
-    static quint8 enumIndex(const FieldInfo& f, QLatin1String name);
-    static quint8 enumIndex(const FieldInfo& f, const QStringRef& name);
-    // Appends a copy of `item`, with the test of completeness.
-    static void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
-    // Appends an enumeration value to a list of them, with the test of validity.
-    static void appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 value);
+// --- Field values (FieldValues.cpp) --------------------------------------------------
+// Puts one field to its initial value; its presence bit is left alone.
+void resetValue(Payload& p, const FieldInfo& f);
+// Puts every field to its initial value; the presence bits are left alone.
+void resetFields(Payload& p, const ClassInfo& info);
+void storeText(Record& r, Payload& p, const FieldInfo& f, const QString& value);
+void storeEnum(Record& r, Payload& p, const FieldInfo& f, quint8 value);
+bool enumValid(const FieldInfo& f, quint8 value);
+// The name of an enumeration value, null when the value is invalid (0xFF,
+// any byte from 0x80 up, or an index past the names).
+const QString* enumName(const EnumInfo& names, quint8 value);
+// The index of `name` in the field's name list, 0xFF if it is not there.
+quint8 enumIndex(const FieldInfo& f, const QString& name);
+quint8 enumIndex(const FieldInfo& f, QLatin1String name);
+quint8 enumIndex(const FieldInfo& f, const QStringRef& name);
 
-    // --- Schema version of a root class ---------------------------------------------
-    static const QString& version(Payload& p, const VersionInfo& v) { return *reinterpret_cast<QString*>(reinterpret_cast<char*>(&p) + v.offset); }
-    // Keeps the version of what is read and clears the record when it is older than the schema.
-    static void versionGate(Record& r, Payload& p, const QString& loaded);
-    // True when the version last read is not older than the schema.
-    static bool claimsCurrentVersion(Payload& p, const VersionInfo& v);
+// --- Lists (Lists.cpp) -----------------------------------------------------------------
+// Appends a copy of `item`, with the test of completeness.
+void append(Record& owner, Payload& p, const FieldInfo& f, const Record& item);
+// Appends an enumeration value to a list of them, with the test of validity.
+void appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 value);
 
-    // --- Forms ----------------------------------------------------------------------
-    static void writeXml(const Record& r, QXmlStreamWriter& writer);
-    static void writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room);
-    static void readXml(Record& r, QXmlStreamReader& reader);
-    static void readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader);
-    static void readXmlChildElement(Record& r, QXmlStreamReader& reader);
-    static void readLeafXml(Record& r, QXmlStreamReader& reader);
+// --- Version gate of a root class (VersionGate.cpp) ---------------------------------------
+// The version of the schema that the payload carries, and the version of what was last read.
+inline QString& schemaVersionOf(Payload& p, const VersionInfo& v) { return *static_cast<QString*>(at(p, v.offset)); }
+inline QString& loadedVersionOf(Payload& p, const VersionInfo& v) { return *static_cast<QString*>(at(p, v.loadedOffset)); }
+// Keeps the version of what is read and clears the record when it is older than the schema.
+void versionGate(Record& r, Payload& p, const QString& loaded);
+// True when the version last read is not older than the schema.
+bool claimsCurrentVersion(Payload& p, const VersionInfo& v);
 
-    static bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
-    static bool writeTagged(const Record& r, DataOut& out, int tag, bool withTag);
-    static void readTagged(Record& r, QDataStream& stream, qint64 length);
-    static void readTagged(Record& r, DataIn& in, qint64 length);
+// --- Forms (XmlCodec.cpp, TaggedCodec.cpp, RawCodec.cpp) ------------------------------------
+void writeXml(const Record& r, QXmlStreamWriter& writer);
+void writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room);
+void readXml(Record& r, QXmlStreamReader& reader);
+void readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader);
+void readXmlChildElement(Record& r, QXmlStreamReader& reader);
 
-    static void writeRaw(const Record& r, QDataStream& stream);
-    static void writeRaw(const Record& r, DataOut& out);
-    static void readRaw(Record& r, QDataStream& stream);
-    static void readRaw(Record& r, DataIn& in);
-};
+bool writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag);
+bool writeTagged(const Record& r, DataOut& out, int tag, bool withTag);
+void readTagged(Record& r, QDataStream& stream, qint64 length);
+void readTagged(Record& r, DataIn& in, qint64 length);
+
+void writeRaw(const Record& r, QDataStream& stream);
+void writeRaw(const Record& r, DataOut& out);
+void readRaw(Record& r, QDataStream& stream);
+void readRaw(Record& r, DataIn& in);
+
+}  // namespace Internal
+
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

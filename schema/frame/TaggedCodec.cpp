@@ -80,13 +80,13 @@ const FieldInfo* fieldByTag(const ClassInfo& info, quint32 tag)
 
 }  // namespace
 
-bool Runtime::writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag)
+bool Internal::writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag)
 {
     DataOut out(stream);
     return writeTagged(r, out, tag, withTag);
 }
 
-bool Runtime::writeTagged(const Record& r, DataOut& out, int tag, bool withTag)
+bool Internal::writeTagged(const Record& r, DataOut& out, int tag, bool withTag)
 {
     // Flag and logger have been handed down and the tree checked where the write began.
     if (r.GetValidate() && !r.HasData())
@@ -97,7 +97,7 @@ bool Runtime::writeTagged(const Record& r, DataOut& out, int tag, bool withTag)
         out << qint32(tag);
     LengthWord block(out);
     if (info.version)
-        writeRawRecord(out, info.version->tag, version(p, *info.version));
+        writeRawRecord(out, info.version->tag, schemaVersionOf(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         const bool set = p.test(f.bit);
@@ -143,15 +143,13 @@ bool Runtime::writeTagged(const Record& r, DataOut& out, int tag, bool withTag)
         case Kind::EnumList: {
             const void* list = field(p, f);
             const EnumListInfo& values = f.enumListInfo();
-            const QStringList& names = *values.names.names;
             const int n = values.size(list);
             out << qint32(f.tag);
             LengthWord length(out);
             out << qint32(n);
             for (int k = 0; k < n; ++k) {
-                const qint8 index = qint8(values.at(list, k));
-                const QByteArray name = index >= 0 && index < names.size() ? names.at(index).toUtf8() : QByteArray();
-                writeSizedBytes(out, name);
+                const QString* name = Internal::enumName(values.names, values.at(list, k));
+                writeSizedBytes(out, name ? name->toUtf8() : QByteArray());
             }
             length.patch();
             break;
@@ -171,17 +169,17 @@ static void readTaggedList(Record& r, Payload& p, const FieldInfo& f, DataIn& in
     const qint64 left = in.bytesLeft();
     if (in.status() != QDataStream::Ok || count < 0 || count * MinTaggedItemBytes > room - 4 ||
         (left >= 0 && count * MinTaggedItemBytes > left))
-        Runtime::lengthError(r);
-    void* list = Runtime::field(p, f);
+        Internal::lengthError(r);
+    void* list = Internal::field(p, f);
     const ListOps& ops = f.listOps();
     ops.reserve(list, ops.size(list) + reservableItems(left, count, MinTaggedItemBytes));
     for (qint32 k = 0; k < count; ++k) {
         qint32 itemSize = 0;
         in >> itemSize;
         if (in.status() != QDataStream::Ok)
-            Runtime::lengthError(r);
-        PendingItem item(r, p, f);
-        Runtime::readTagged(item.item(), in, itemSize);
+            Internal::lengthError(r);
+        Internal::PendingItem item(r, p, f);
+        Internal::readTagged(item.item(), in, itemSize);
         item.finish();
     }
 }
@@ -206,13 +204,13 @@ static quint8 readEnumIndex(DataIn& in, const FieldInfo& f)
     if (!in.takeBytes(data, size)) {
         QByteArray bytes;
         in.viaStream([&](QDataStream& stream) { stream >> bytes; });
-        return Runtime::enumIndex(f, decodeUtf8(bytes));
+        return Internal::enumIndex(f, decodeUtf8(bytes));
     }
     // Names are ASCII: bytes that are too compare as Latin-1, without a decoded copy.
     for (int i = 0; i < size; ++i)
         if (uchar(data[i]) >= 0x80)
-            return Runtime::enumIndex(f, decodeUtf8(data, size));
-    return Runtime::enumIndex(f, QLatin1String(data, size));
+            return Internal::enumIndex(f, decodeUtf8(data, size));
+    return Internal::enumIndex(f, QLatin1String(data, size));
 }
 
 // A double of the tagged form: its two-decimal text.
@@ -239,25 +237,25 @@ static void readTaggedEnumList(Record& r, Payload& p, const FieldInfo& f, DataIn
     const qint64 left = in.bytesLeft();
     if (in.status() != QDataStream::Ok || count < 0 || count * MinValueBytes > room - 4 ||
         (left >= 0 && count * MinValueBytes > left))
-        Runtime::lengthError(r);
-    f.enumListInfo().reserve(Runtime::field(p, f), reservableItems(left, count, MinValueBytes));
+        Internal::lengthError(r);
+    f.enumListInfo().reserve(Internal::field(p, f), reservableItems(left, count, MinValueBytes));
     for (qint32 k = 0; k < count; ++k) {
         qint32 valueLength = 0;
         in >> valueLength;
         const quint8 index = readEnumIndex(in, f);
         if (in.status() != QDataStream::Ok)
-            Runtime::lengthError(r);
-        Runtime::appendEnumValue(r, p, f, index);
+            Internal::lengthError(r);
+        Internal::appendEnumValue(r, p, f, index);
     }
 }
 
-void Runtime::readTagged(Record& r, QDataStream& stream, qint64 length)
+void Internal::readTagged(Record& r, QDataStream& stream, qint64 length)
 {
     DataIn in(stream);
     readTagged(r, in, length);
 }
 
-void Runtime::readTagged(Record& r, DataIn& in, qint64 length)
+void Internal::readTagged(Record& r, DataIn& in, qint64 length)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();

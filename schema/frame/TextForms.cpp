@@ -86,15 +86,14 @@ QString boolText(bool value) { return value ? QStringLiteral("true") : QStringLi
 QString fieldText(Payload& p, const FieldInfo& f)
 {
     switch (f.kind) {
-    case Kind::Double: return doubleText(Runtime::value<double>(p, f));
-    case Kind::UInt64: return QString::number(Runtime::value<quint64>(p, f));
-    case Kind::Bool: return boolText(Runtime::value<bool>(p, f));
-    case Kind::Text: return Runtime::value<QString>(p, f);
-    case Kind::DateTime: return Converters::ToString(Runtime::value<QDateTime>(p, f));
+    case Kind::Double: return doubleText(Internal::value<double>(p, f));
+    case Kind::UInt64: return QString::number(Internal::value<quint64>(p, f));
+    case Kind::Bool: return boolText(Internal::value<bool>(p, f));
+    case Kind::Text: return Internal::value<QString>(p, f);
+    case Kind::DateTime: return Converters::ToString(Internal::value<QDateTime>(p, f));
     case Kind::Enum: {
-        const QStringList& names = *f.enumInfo().names;
-        const qint8 index = qint8(Runtime::value<quint8>(p, f));
-        return index >= 0 && index < names.size() ? names.at(index) : QString();
+        const QString* name = Internal::enumName(f.enumInfo(), Internal::value<quint8>(p, f));
+        return name ? *name : QString();
     }
     case Kind::Child:
     case Kind::List:

@@ -19,8 +19,8 @@ static const QString& versionAttribute()
 static void reportMissing(const Record& r, const FieldInfo& f)
 {
     IncompleteDefinitionException e(QStringLiteral("Parameters for %1 are not set properly in '%2'.")
-                                        .arg(*f.name, Runtime::objectName(r)));
-    Runtime::report(r, e);
+                                        .arg(*f.name, r.GetObjectName()));
+    Internal::report(r, e);
 }
 
 // Texts that a write makes for one value after another. A number is made
@@ -37,12 +37,12 @@ static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
     int n = -1;
     switch (f.kind) {
     case Kind::Double:
-        n = doubleTextFast(Runtime::value<double>(p, f), digits);
+        n = doubleTextFast(Internal::value<double>(p, f), digits);
         break;
     case Kind::UInt64: {
         char reversed[20];
         int count = 0;
-        quint64 v = Runtime::value<quint64>(p, f);
+        quint64 v = Internal::value<quint64>(p, f);
         do {
             reversed[count++] = char('0' + v % 10);
             v /= 10;
@@ -52,14 +52,11 @@ static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
         break;
     }
     case Kind::Text:
-        return Runtime::value<QString>(p, f);
-    case Kind::Enum: {
-        const QStringList& names = *f.enumInfo().names;
-        const qint8 index = qint8(Runtime::value<quint8>(p, f));
-        if (index >= 0 && index < names.size())
-            return names.at(index);
+        return Internal::value<QString>(p, f);
+    case Kind::Enum:
+        if (const QString* name = Internal::enumName(f.enumInfo(), Internal::value<quint8>(p, f)))
+            return *name;
         break;
-    }
     default:
         break;
     }
@@ -74,14 +71,14 @@ static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
     return room.number;
 }
 
-void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer)
+void Internal::writeXml(const Record& r, QXmlStreamWriter& writer)
 {
     TextRoom room;
     room.number.reserve(DoubleTextCapacity);
     writeXml(r, writer, room);
 }
 
-void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room)
+void Internal::writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room)
 {
     // Flag and logger have been handed down and the tree checked where the write began.
     if (r.GetValidate() && !r.HasData())
@@ -90,7 +87,7 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room
     const ClassInfo& info = r.GetClassInfo();
     writer.writeStartElement(r.GetObjectName());
     if (info.version)
-        writer.writeAttribute(versionAttribute(), version(p, *info.version));
+        writer.writeAttribute(versionAttribute(), schemaVersionOf(p, *info.version));
     for (int i = 0; i < info.fieldCount; ++i) {
         const FieldInfo& f = info.fields[i];
         if (f.xml == XmlForm::Attribute && written(p, f))
@@ -122,10 +119,9 @@ void Runtime::writeXml(const Record& r, QXmlStreamWriter& writer, TextRoom& room
             if (f.kind == Kind::EnumList) {
                 // One text element per value, whatever the bit and the value.
                 const EnumListInfo& values = f.enumListInfo();
-                const QStringList& names = *values.names.names;
                 for (int k = 0, n = values.size(list); k < n; ++k) {
-                    const qint8 index = qint8(values.at(list, k));
-                    writer.writeTextElement(*f.name, index >= 0 && index < names.size() ? names.at(index) : QString());
+                    const QString* name = Internal::enumName(values.names, values.at(list, k));
+                    writer.writeTextElement(*f.name, name ? *name : QString());
                 }
                 break;
             }
@@ -152,12 +148,12 @@ static void storeBool(Record& r, Payload& p, const FieldInfo& f, const QString& 
     bool value = false;
     if (lower.isEmpty()) {
         InvalidXmlException e(QStringLiteral("Please set a value or a default for the boolean '%1' in '%2'.")
-                                  .arg(*f.name, Runtime::objectName(r)));
-        Runtime::reportSoft(r, e);
+                                  .arg(*f.name, r.GetObjectName()));
+        Internal::reportSoft(r, e);
     } else {
         value = lower != QLatin1String("0") && lower != QLatin1String("false");
     }
-    Runtime::value<bool>(p, f) = value;
+    Internal::value<bool>(p, f) = value;
     p.set(f.bit);
 }
 
@@ -169,13 +165,13 @@ static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStrin
 {
     switch (f.kind) {
     case Kind::Double:
-        Runtime::value<double>(p, f) = text.toDouble();
+        Internal::value<double>(p, f) = text.toDouble();
         break;
     case Kind::UInt64:
-        Runtime::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
+        Internal::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
         break;
     case Kind::Enum:
-        Runtime::storeEnum(r, p, f, Runtime::enumIndex(f, text));
+        Internal::storeEnum(r, p, f, Internal::enumIndex(f, text));
         return true;
     default:
         return false;
@@ -194,10 +190,10 @@ static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QStri
         storeBool(r, p, f, text);
         return;
     case Kind::Text:
-        Runtime::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
+        Internal::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
         return;
     case Kind::DateTime:
-        Runtime::value<QDateTime>(p, f) = Converters::ToDateTime(text);
+        Internal::value<QDateTime>(p, f) = Converters::ToDateTime(text);
         p.set(f.bit);
         return;
     default:
@@ -205,7 +201,7 @@ static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QStri
     }
 }
 
-void Runtime::readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader)
+void Internal::readXmlAttributes(Record& r, Payload& p, QXmlStreamReader& reader)
 {
     const ClassInfo& info = r.GetClassInfo();
     const QXmlStreamAttributes attributes = reader.attributes();
@@ -258,7 +254,7 @@ static const QString& numberText(QXmlStreamReader& reader)
 
 static bool isNumber(const FieldInfo& f) { return f.kind == Kind::Double || f.kind == Kind::UInt64; }
 
-void Runtime::readXml(Record& r, QXmlStreamReader& reader)
+void Internal::readXml(Record& r, QXmlStreamReader& reader)
 {
     Payload& p = payload(r);
     if (r.GetClassInfo().leaf) {
@@ -280,7 +276,7 @@ void Runtime::readXml(Record& r, QXmlStreamReader& reader)
             info.fields[i].listOps().trim(field(payload(r), info.fields[i]));
 }
 
-void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
+void Internal::readXmlChildElement(Record& r, QXmlStreamReader& reader)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
@@ -307,7 +303,7 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
                 break;
             }
             {
-                PendingItem item(r, p, f);
+                Internal::PendingItem item(r, p, f);
                 item.item().ProcessXml(reader);
                 item.finish();
             }
@@ -333,7 +329,7 @@ void Runtime::readXmlChildElement(Record& r, QXmlStreamReader& reader)
     }
 }
 
-void Runtime::readLeafXml(Record& r, QXmlStreamReader& reader)
+void Internal::readLeafXml(Record& r, QXmlStreamReader& reader)
 {
     // Most elements bear their object's name, which then serves without a copy.
     QString other;
