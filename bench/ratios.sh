@@ -22,7 +22,7 @@ if [[ ! -x $bench ]]; then
     exit 1
 fi
 if ! command -v python3 >/dev/null; then
-    echo "ratios.sh: python3 is needed to read the results" >&2
+    echo "ratios.sh: python3 is needed to read the results (Debian: apt-get install python3)" >&2
     exit 1
 fi
 

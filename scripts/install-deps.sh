@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages needed to build and test EmitterDossierDoc,
-# clang and its sanitizer and libFuzzer runtimes included.
+# clang and its sanitizer and libFuzzer runtimes and clang-format included.
 # Does nothing, and says nothing, when all of them are already there.
 set -euo pipefail
 
@@ -17,11 +17,21 @@ packages=(
   libbenchmark-dev
   clang
   libclang-rt-14-dev
+  clang-format
 )
+
+# One dpkg-query for all of them: a package it does not list as installed
+# (unknown to dpkg, removed, half installed) is missing.
+declare -A installed=()
+while IFS=' ' read -r pkg status; do
+  if [ "$status" = "install ok installed" ]; then
+    installed[$pkg]=1
+  fi
+done < <(dpkg-query -W -f='${Package} ${Status}\n' "${packages[@]}" 2>/dev/null || true)
 
 missing=()
 for pkg in "${packages[@]}"; do
-  if ! dpkg -s "$pkg" >/dev/null 2>&1; then
+  if [ -z "${installed[$pkg]:-}" ]; then
     missing+=("$pkg")
   fi
 done

@@ -8,6 +8,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 bash scripts/install-deps.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release
 cmake --build build
-build/examples/edd-example examples/dossier.xml
+build/examples/edd_example examples/dossier.xml
 build/tools/dossier/dossier check examples/dossier.xml
 build/tools/dossier/dossier show examples/dossier.xml

@@ -135,7 +135,7 @@ if(NOT "${CONFIG}" STREQUAL "")
 endif()
 run_step("building the consumer" ${build_cmd})
 
-file(GLOB_RECURSE consumer_exe "${CONSUMER_BUILD}/edd-install-consumer")
+file(GLOB_RECURSE consumer_exe "${CONSUMER_BUILD}/edd_install_consumer")
 if(NOT consumer_exe)
   message(FATAL_ERROR "install check: the consumer program was not found in ${CONSUMER_BUILD}")
 endif()
@@ -188,7 +188,7 @@ if(NOT pc_flags MATCHES "(^| )-lEmitterDossierDoc( |$)" OR NOT pc_flags MATCHES 
 endif()
 
 # Qt 5 on Debian is built with reduced relocations, so Qt code needs -fPIC.
-set(pc_exe "${CONSUMER_BUILD}/edd-install-consumer-pkgconfig")
+set(pc_exe "${CONSUMER_BUILD}/edd_install_consumer_pkgconfig")
 run_step("compiling the consumer with pkg-config flags"
   "${CXX_COMPILER}" -std=c++17 -fPIC "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}" ${pc_flag_list})
 run_step("running the consumer built with pkg-config" "${pc_exe}")
