@@ -1,9 +1,9 @@
 #pragma once
 
-// What the whole-dossier benchmarks (dossier_bench.cpp) take from the command
+// What the whole-dossier benchmarks (DossierBench.cpp) take from the command
 // line, which main (bench_main.cpp) reads before Google Benchmark starts.
 
-namespace dossier_bench {
+namespace DossierBench {
 
 // The size of the whole dossier in megabytes (10^6 bytes) of XML; 20 unless
 // set. Call before any benchmark runs: the dossier is built once, on first use.
@@ -15,4 +15,4 @@ void setSizeMb(double megabytes);
 // "peak_kib=N baseline_kib=M" on standard output. Returns the exit code.
 int peakChild(const char* form, const char* path);
 
-}  // namespace dossier_bench
+}  // namespace DossierBench

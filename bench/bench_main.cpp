@@ -3,7 +3,7 @@
 //
 //   edd_bench [--size_mb=N] [--benchmark_filter=...]
 //
-// --size_mb=N sets the size of the whole dossier of dossier_bench.cpp in
+// --size_mb=N sets the size of the whole dossier of DossierBench.cpp in
 // megabytes of XML (default 20).
 
 #include <benchmark/benchmark.h>
@@ -58,7 +58,7 @@ Alternatives makeAlternatives(int count)
 Alternatives makeThousand() { return makeAlternatives(1000); }
 
 // A technical block with every property set, 10,000 pulse items and 1,000 PRI items.
-ELINTParameter makeParameters() { return testing_support::filledParameters(10000, 1000); }
+ELINTParameter makeParameters() { return TestSupport::filledParameters(10000, 1000); }
 
 QByteArray rawBytes(const Frame::Record& object) { return Frame::RawFormBytes(object); }
 
@@ -375,10 +375,10 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "%s: --peak_child and --peak_file go together\n", argv[0]);
             return 2;
         }
-        return dossier_bench::peakChild(peakChild, peakFile);
+        return DossierBench::peakChild(peakChild, peakFile);
     }
 
-    dossier_bench::setSizeMb(sizeMb);
+    DossierBench::setSizeMb(sizeMb);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;

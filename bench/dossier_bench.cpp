@@ -88,17 +88,17 @@ Counts counts()
 EmitterDossier makeBigDossier()
 {
     const Counts n = counts();
-    EmitterDossier d = testing_support::filledDossier(n.pulses, n.pris);
+    EmitterDossier d = TestSupport::filledDossier(n.pulses, n.pris);
     ELINTParameter& p = d.GetELINTParameter();
     QVector<FrequencyItem>& frequencies = p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem();
     for (int k = 0; k < n.frequencies; ++k)
-        frequencies.append(testing_support::frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
+        frequencies.append(TestSupport::frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
     QVector<SequenceItem>& sequences = p.GetSequence().GetSequenceList().GetSequenceItem();
     for (int k = 0; k < n.sequences; ++k) {
         SequenceItem s;
         s.Setid(quint64(100 + k));
         s.SetFrequencyID(quint64(100 + k % n.frequencies));
-        s.SetDeadTime(testing_support::unitScalar<DeadTime>(125.5));
+        s.SetDeadTime(TestSupport::unitScalar<DeadTime>(125.5));
         QVector<ElementItem>& elements = s.GetElementList().GetElementItem();
         for (int e = 0; e < ElementsPerSequence; ++e) {
             ElementItem element;
@@ -866,7 +866,7 @@ int measurePeak(const QString& form, const QString& path)
     // Start-up: the same reader reads a small dossier first, to bring in the
     // code and the static data of Qt and the library that every read needs.
     {
-        const QByteArray small = testing_support::filledDossier().GetXmlString().toUtf8();
+        const QByteArray small = TestSupport::filledDossier().GetXmlString().toUtf8();
         EmitterDossier warm;
         bool ok;
         if (loadXml) {
@@ -903,7 +903,7 @@ int measurePeak(const QString& form, const QString& path)
 
 }  // namespace
 
-namespace dossier_bench {
+namespace DossierBench {
 
 int peakChild(const char* form, const char* path)
 {
@@ -939,4 +939,4 @@ void setSizeMb(double megabytes)
                                     " sequences=" + std::to_string(n.sequences));
 }
 
-}  // namespace dossier_bench
+}  // namespace DossierBench

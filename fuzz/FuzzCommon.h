@@ -16,7 +16,7 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
-namespace fuzzing {
+namespace Fuzzing {
 
 using EMITTERDOSSIERDOC::Frame::ClassEntry;
 using EMITTERDOSSIERDOC::Frame::Record;
@@ -143,4 +143,4 @@ inline void runAnyClass(const uint8_t* data, size_t size)
     exercise(entry, *record);
 }
 
-}  // namespace fuzzing
+}  // namespace Fuzzing

@@ -5,6 +5,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzzing::runRaw(data, size);
+    Fuzzing::runRaw(data, size);
     return 0;
 }

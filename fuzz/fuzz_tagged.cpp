@@ -5,6 +5,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    fuzzing::runTagged(data, size);
+    Fuzzing::runTagged(data, size);
     return 0;
 }

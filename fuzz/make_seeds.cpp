@@ -85,7 +85,7 @@ int main(int argc, char** argv)
             std::fprintf(stderr, "%s: no schema class for its element\n", argv[i]);
             return 1;
         }
-        auto record = fuzzing::fresh(*entry, false);
+        auto record = Fuzzing::fresh(*entry, false);
         record->SetXmlString(QString::fromUtf8(text), false);
         const QString base = QFileInfo(file).baseName();
         if (entry->info().id == EmitterDossier::id) {

@@ -8,7 +8,7 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using namespace testing_support;
+using namespace TestSupport;
 
 namespace {
 

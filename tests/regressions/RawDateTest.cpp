@@ -22,8 +22,8 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using testing_support::Bytes;
-using testing_support::raw;
+using TestSupport::Bytes;
+using TestSupport::raw;
 
 namespace {
 

@@ -30,10 +30,10 @@ void runAll(const char* folder, void (*run)(const uint8_t*, size_t), int& count)
 TEST(Regressions, FoundInputsPassEveryStep)
 {
     int count = 0;
-    runAll("xml", fuzzing::runXml, count);
-    runAll("tagged", fuzzing::runTagged, count);
-    runAll("raw", fuzzing::runRaw, count);
-    runAll("any", fuzzing::runAnyClass, count);
+    runAll("xml", Fuzzing::runXml, count);
+    runAll("tagged", Fuzzing::runTagged, count);
+    runAll("raw", Fuzzing::runRaw, count);
+    runAll("any", Fuzzing::runAnyClass, count);
     EXPECT_GT(count, 0);
 }
 
@@ -44,10 +44,10 @@ TEST(Regressions, RawDateWithAnUnknownTimeZoneReadsAsNoDate)
     QFile file(QStringLiteral(EDD_REGRESSIONS_DIR "/raw/unknown-time-zone.bin"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EMITTERDOSSIERDOC::EmitterDossier d;
-    testing_support::readRaw(d, file.readAll().mid(1));
+    TestSupport::readRaw(d, file.readAll().mid(1));
     EXPECT_TRUE(d.IsDetectionTimeSet());
     EXPECT_FALSE(d.GetDetectionTime().isValid());
-    EXPECT_FALSE(testing_support::raw(d).isEmpty());
+    EXPECT_FALSE(TestSupport::raw(d).isEmpty());
 }
 
 // A hostile kilobyte: counts that claim two thousand million items reserve no
@@ -58,18 +58,18 @@ TEST(Limits, ClaimedCountsReserveOnlyWhatTheInputCanHold)
     const QByteArray filler(1018, '\0');
 
     Alternatives list;
-    testing_support::readRaw(list, QByteArray::fromHex("017fffffff") + filler);
+    TestSupport::readRaw(list, QByteArray::fromHex("017fffffff") + filler);
     const Alternatives& read = list;
     EXPECT_LE(read.GetAlternative().capacity(), 1024);
 
     Modulations set;
-    testing_support::readRaw(set, QByteArray::fromHex("017fffffff") + filler);
+    TestSupport::readRaw(set, QByteArray::fromHex("017fffffff") + filler);
     const Modulations& values = set;
     EXPECT_LE(values.GetModulation().capacity(), 1024);
 
     // In the tagged form the count is measured against the block first.
     Alternatives tagged;
-    EXPECT_THROW(testing_support::readTagged(tagged, QByteArray::fromHex("e341690100000404 7fffffff") + filler, 1036),
+    EXPECT_THROW(TestSupport::readTagged(tagged, QByteArray::fromHex("e341690100000404 7fffffff") + filler, 1036),
                  BinaryParsingException);
     EXPECT_EQ(static_cast<const Alternatives&>(tagged).GetAlternative().capacity(), 0);
 

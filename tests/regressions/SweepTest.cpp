@@ -37,13 +37,13 @@ constexpr int FlipChunks = 8;
 EmitterDossier makeSample()
 {
     using namespace EMITTERDOSSIERDOC;
-    using testing_support::unitScalar;
+    using TestSupport::unitScalar;
     EmitterDossier d;
     d.SetName(QStringLiteral("Harbour Lantern"));
     d.SetDatabaseID(QStringLiteral("EDB-0412"));
     d.SetConfidence(0.75);
-    d.GetAlternatives().AppendAlternative(testing_support::makeAlternative("Tin Drum", "EDB-0930", 0.1));
-    d.GetAlternatives().AppendAlternative(testing_support::makeAlternative("Granite", "EDB-1187", 0.15));
+    d.GetAlternatives().AppendAlternative(TestSupport::makeAlternative("Tin Drum", "EDB-0930", 0.1));
+    d.GetAlternatives().AppendAlternative(TestSupport::makeAlternative("Granite", "EDB-1187", 0.15));
     d.SetPriority(d.NameToPriority(QStringLiteral("High")));
     d.SetStatus(d.NameToStatus(QStringLiteral("Active")));
     d.SetDetectionTime(QDateTime(QDate(2026, 11, 2), QTime(14, 5, 33, 250), Qt::UTC));
@@ -59,8 +59,8 @@ EmitterDossier makeSample()
     parameters.SetWaveForm(parameters.NameToWaveForm(QStringLiteral("Pulse")));
     PRIBehavior& pri = parameters.GetPRIBehavior();
     pri.SetPRIType(pri.NameToPRIType(QStringLiteral("Stagger")));
-    pri.GetPRIList().AppendPRIItem(testing_support::priItem(0, 1000.25));
-    pri.GetPRIList().AppendPRIItem(testing_support::priItem(1, 1250.5, 1));
+    pri.GetPRIList().AppendPRIItem(TestSupport::priItem(0, 1000.25));
+    pri.GetPRIList().AppendPRIItem(TestSupport::priItem(1, 1250.5, 1));
     for (quint64 id = 0; id < 2; ++id) {
         PulseItem pulse;
         pulse.Setid(id);
@@ -128,7 +128,7 @@ QByteArray bytesOf(Form form, const EmitterDossier& d)
     switch (form) {
     case Form::Tagged: return d.GetBinaryRepresentationAsQByteArray();
     case Form::Compressed: return d.GetCompressedBinaryRepresentationAsQByteArray(-1);
-    case Form::Raw: return testing_support::raw(d);
+    case Form::Raw: return TestSupport::raw(d);
     }
     return QByteArray();
 }
@@ -137,7 +137,7 @@ QByteArray bytesOf(Form form, const EmitterDossier& d)
 void prepare(EmitterDossier& d, bool validate)
 {
     d.SetValidate(validate);
-    d.SetLogger(fuzzing::silentLogger());
+    d.SetLogger(Fuzzing::silentLogger());
 }
 
 // The steps of the fuzz target of the form, with the validate flag in the first byte.
@@ -146,9 +146,9 @@ void runFuzzSteps(Form form, const QByteArray& input, bool validate)
     const QByteArray data = QByteArray(1, char(validate ? 1 : 0)) + input;
     const auto* bytes = reinterpret_cast<const uint8_t*>(data.constData());
     if (form == Form::Raw)
-        fuzzing::runRaw(bytes, size_t(data.size()));
+        Fuzzing::runRaw(bytes, size_t(data.size()));
     else
-        fuzzing::runTagged(bytes, size_t(data.size()));
+        Fuzzing::runTagged(bytes, size_t(data.size()));
 }
 
 // SetBinaryRepresentation, which tells the plain tagged form from the compressed one.

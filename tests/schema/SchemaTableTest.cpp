@@ -13,7 +13,7 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using namespace testing_support;
+using namespace TestSupport;
 
 namespace {
 
@@ -62,7 +62,7 @@ QVector<Use> allUses()
 TEST(SchemaTables, EveryClassAndNoOther)
 {
     QHash<QString, quint32> expected;
-    for (const schema_tables::ClassRow& row : schema_tables::Classes) {
+    for (const SchemaTables::ClassRow& row : SchemaTables::Classes) {
         EXPECT_EQ(qint64(row.id), row.decimal) << row.name;
         expected.insert(QLatin1String(row.name), row.id);
     }
@@ -89,7 +89,7 @@ TEST(SchemaTables, EveryFieldHasTheTagOfItsNameAndKind)
 {
     const QVector<Use> uses = allUses();
 
-    for (const schema_tables::TagRow& row : schema_tables::Tags) {
+    for (const SchemaTables::TagRow& row : SchemaTables::Tags) {
         const QString field = QLatin1String(row.field);
         const QString kind = QLatin1String(row.kind);
         QStringList listed = QString::fromLatin1(row.classes).split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -116,7 +116,7 @@ TEST(SchemaTables, EveryFieldHasTheTagOfItsNameAndKind)
     // And the other way round: no field with a tag that its name does not have.
     for (const Use& use : uses) {
         bool known = false;
-        for (const schema_tables::TagRow& row : schema_tables::Tags)
+        for (const SchemaTables::TagRow& row : SchemaTables::Tags)
             known = known || (use.field == QLatin1String(row.field) && use.tag == row.tag);
         EXPECT_TRUE(known) << use.className.toStdString() << "::" << use.field.toStdString() << " has tag 0x"
                            << QByteArray::number(use.tag, 16).toStdString();

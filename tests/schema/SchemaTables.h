@@ -4,7 +4,7 @@
 // class, and the tag of every field name with the kind of its value and the
 // classes that have it.
 
-namespace schema_tables {
+namespace SchemaTables {
 
 struct ClassRow {
     const char* name;
@@ -295,4 +295,4 @@ const TagRow Tags[] = {
     {"WBIQFileName", 0x6c1bc87f, "nested record", "OriginalSource", 0},
 };
 
-}  // namespace schema_tables
+}  // namespace SchemaTables

@@ -6,7 +6,7 @@
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 
-namespace testing_support {
+namespace TestSupport {
 
 template <class Scalar>
 Scalar unitScalar(double value, int unitIndex = 0)
@@ -335,4 +335,4 @@ inline EMITTERDOSSIERDOC::EmitterDossier filledDossier(int pulses = 3, int pris 
     return d;
 }
 
-}  // namespace testing_support
+}  // namespace TestSupport

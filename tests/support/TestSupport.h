@@ -23,7 +23,7 @@
 // Lets GoogleTest print texts in its failure messages.
 inline void PrintTo(const QString& text, std::ostream* os) { *os << '"' << text.toStdString() << '"'; }
 
-namespace testing_support {
+namespace TestSupport {
 
 struct LogEntry {
     RECORDKIT::LogLevel level;
@@ -164,4 +164,4 @@ inline EMITTERDOSSIERDOC::Alternative makeAlternative(const char* name, const ch
     return a;
 }
 
-}  // namespace testing_support
+}  // namespace TestSupport
