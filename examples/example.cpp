@@ -1,8 +1,8 @@
-// edd-example: loads a document of any schema class, reports its faults, gives
+// edd_example: loads a document of any schema class, reports its faults, gives
 // a short summary and takes it through the three binary forms, reading each
 // back into a fresh object of the same class.
 //
-//   edd-example examples/dossier.xml
+//   edd_example examples/dossier.xml
 //
 // The class is found by the document's first element. Faults of the loaded
 // record are written to standard error by the default logger. The exit code
@@ -70,7 +70,7 @@ void summarize(const EmitterDossier& d)
 int main(int argc, char** argv)
 {
     if (argc != 2) {
-        std::fprintf(stderr, "usage: %s FILE.xml\n", argc > 0 ? argv[0] : "edd-example");
+        std::fprintf(stderr, "usage: %s FILE.xml\n", argc > 0 ? argv[0] : "edd_example");
         return 2;
     }
     const QString path = QString::fromLocal8Bit(argv[1]);
