@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVector>
 
-namespace codegen {
+namespace Codegen {
 
 enum class FieldType { Double, UInt64, Bool, Text, DateTime, Enum, Class };
 // A list of enumeration values is a `list` row of type `enum`.
@@ -58,4 +58,4 @@ struct Schema {
     QVector<SchemaClass> classes;
 };
 
-}  // namespace codegen
+}  // namespace Codegen

@@ -6,7 +6,7 @@
 #include <QSet>
 #include <QTextStream>
 
-namespace codegen {
+namespace Codegen {
 
 namespace {
 
@@ -72,7 +72,8 @@ bool parseHex32(const QString& word, quint32& value)
 
 class Parser {
 public:
-    Parser(const QString& path, const QString& folder, Schema& schema) : m_path(path), m_folder(folder), m_schema(schema)
+    Parser(const QString& path, const QString& folder, Schema& schema)
+        : m_path(path), m_folder(folder), m_schema(schema)
     {
     }
 
@@ -171,7 +172,8 @@ private:
                 flags.append(qMakePair(line.words.at(2), line.words.at(1)));
                 flagLines.append(line.number);
             } else if (word == QLatin1String("version")) {
-                if (line.words.size() != 3 || !isQuoted(line.words.at(1)) || !parseHex32(line.words.at(2), cls.versionTag))
+                if (line.words.size() != 3 || !isQuoted(line.words.at(1)) ||
+                    !parseHex32(line.words.at(2), cls.versionTag))
                     return fail(line.number, QStringLiteral("expected: version \"<text>\" <0xtag>"), error);
                 cls.version = unquote(line.words.at(1));
             } else {
@@ -185,7 +187,8 @@ private:
             if (field.type != FieldType::Enum)
                 continue;
             if (!enums.contains(field.name))
-                return fail(field.line, QStringLiteral("enumeration %1 has no 'enum %1' line with its names").arg(field.name),
+                return fail(field.line,
+                            QStringLiteral("enumeration %1 has no 'enum %1' line with its names").arg(field.name),
                             error);
             field.enumNames = enums.take(field.name);
         }
@@ -259,7 +262,8 @@ private:
             if (enumRows == 0 && !names.isEmpty())
                 return fail(line.number, QStringLiteral("the family has no enumeration to name"), error);
             if (enumRows == 1 && names.isEmpty())
-                return fail(line.number, QStringLiteral("the member needs the names of the family's enumeration"), error);
+                return fail(line.number, QStringLiteral("the member needs the names of the family's enumeration"),
+                            error);
             cls.fields = rows;
             for (Field& f : cls.fields)
                 if (f.type == FieldType::Enum)
@@ -306,7 +310,8 @@ private:
         bool ok = false;
         field.bit = w.at(0).toInt(&ok);
         if (!ok || field.bit < 0 || field.bit > 31)
-            return fail(line.number, QStringLiteral("bit must be a number from 0 to 31, found '%1'").arg(w.at(0)), error);
+            return fail(line.number, QStringLiteral("bit must be a number from 0 to 31, found '%1'").arg(w.at(0)),
+                        error);
         field.name = w.at(1);
         if (!isIdentifier(field.name))
             return fail(line.number, QStringLiteral("'%1' is not a field name").arg(field.name), error);
@@ -316,7 +321,8 @@ private:
             {QStringLiteral("list"), XmlShape::List}};
         if (!shapes.contains(w.at(2)))
             return fail(line.number,
-                        QStringLiteral("unknown XML shape '%1' (attribute, element, content, child, list)").arg(w.at(2)),
+                        QStringLiteral("unknown XML shape '%1' (attribute, element, content, child, list)")
+                            .arg(w.at(2)),
                         error);
         field.xml = shapes.value(w.at(2));
         static const QHash<QString, FieldType> types = {
@@ -338,7 +344,8 @@ private:
         const bool enumList = field.xml == XmlShape::List && field.type == FieldType::Enum;
         if (nested != (field.type == FieldType::Class) && !enumList)
             return fail(line.number,
-                        QStringLiteral("child and list fields hold a class (a list may hold an enum), other fields a value"),
+                        QStringLiteral("child and list fields hold a class (a list may hold an enum), "
+                                       "other fields a value"),
                         error);
         if (w.at(4) == QLatin1String("mandatory"))
             field.mandatory = true;
@@ -450,7 +457,8 @@ bool validateSchema(const Schema& schema, QString& error)
             fieldOfTag.insert(f.tag, f.name);
         }
         if (contents > 1) {
-            error = where(cls.file, cls.line) + QStringLiteral("class %1 has more than one content field").arg(cls.name);
+            error = where(cls.file, cls.line) +
+                    QStringLiteral("class %1 has more than one content field").arg(cls.name);
             return false;
         }
         if (contents == 1) {
@@ -465,4 +473,4 @@ bool validateSchema(const Schema& schema, QString& error)
     return true;
 }
 
-}  // namespace codegen
+}  // namespace Codegen

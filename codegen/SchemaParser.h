@@ -4,7 +4,7 @@
 
 #include "SchemaModel.h"
 
-namespace codegen {
+namespace Codegen {
 
 // Reads schema description files into `schema`. On a mistake, returns false
 // with `error` as "file:line: message".
@@ -14,4 +14,4 @@ bool parseSchemaFile(const QString& path, const QString& folder, Schema& schema,
 // one tag per field name and kind across all classes.
 bool validateSchema(const Schema& schema, QString& error);
 
-}  // namespace codegen
+}  // namespace Codegen

@@ -64,6 +64,12 @@ enum FieldFlag : quint8 {
     NoIncompleteItemReport = 2,
 };
 
+// Whether a field must be present. Field tables name it; the row keeps it as
+// the bool `mandatory`.
+struct Presence {
+    enum Value : bool { Optional = false, Mandatory = true };
+};
+
 // One row of a class's field table.
 struct FieldInfo {
     const QString* name;  // property name, also its XML name
@@ -112,6 +118,25 @@ struct ClassInfo {
     const FieldInfo& field(int bit) const { return fields[byBit[bit]]; }
     int bitmapBytes() const { return (fieldCount + 7) / 8; }
 };
+
+// The version of a class that is not a root.
+constexpr const VersionInfo* NoVersion = nullptr;
+
+// A class's description from its rows: the field count, whether it is a leaf
+// and whether it has children follow from the rows and are computed here, once
+// for every class.
+template <int N>
+ClassInfo makeClassInfo(const char* name, QString (*objectName)(), qint64 id, const FieldInfo (&fields)[N],
+                        const quint8 (&byBit)[N], const VersionInfo* version, Payload* (*createPayload)())
+{
+    bool leaf = false;
+    bool hasChildren = false;
+    for (const FieldInfo& f : fields) {
+        leaf = leaf || f.xml == XmlForm::Content;
+        hasChildren = hasChildren || f.kind == Kind::Child || f.kind == Kind::List;
+    }
+    return {name, objectName, id, fields, byBit, quint8(N), leaf, hasChildren, version, createPayload};
+}
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

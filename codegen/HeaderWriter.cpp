@@ -1,0 +1,213 @@
+// The public header of a generated class.
+
+#include <QSet>
+
+#include "CodeText.h"
+#include "Template.h"
+
+namespace Codegen {
+
+namespace {
+
+const char* const HeaderTemplate = R"cpp(${banner}#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+#include <QXmlStreamReader>
+
+#include <EmitterDossierDoc/edd_export.h>
+#include <EmitterDossierDoc/frame/Record.h>
+${includes}
+namespace EMITTERDOSSIERDOC {
+
+${doc}// Element "${Class}", class id ${id}.
+class EDD_EXPORT ${Class} : public Frame::Record {
+public:
+${enums}
+    static constexpr qint64 id = ${id};
+    static qint64 GetId();
+    static QString GetStaticObjectName();
+    static const Frame::ClassInfo& StaticClassInfo();
+${translation}
+    ${Class}();
+    ${Class}(const ${Class}& other);
+    ~${Class}() override;
+    ${Class}& operator=(const ${Class}& other);
+    bool operator==(const ${Class}& other) const;
+    bool operator!=(const ${Class}& other) const;
+    const Frame::ClassInfo& GetClassInfo() const override;
+${leaf}${version}${fields}
+private:
+    struct Data;
+    Data& data() const;
+};
+
+}  // namespace EMITTERDOSSIERDOC
+
+Q_DECLARE_TYPEINFO(EMITTERDOSSIERDOC::${Class}, Q_MOVABLE_TYPE);
+)cpp";
+
+const char* const IncludeTemplate = "#include <EmitterDossierDoc/${subsystem}/${Class}.h>\n";
+
+const char* const TranslationTemplate =
+    "    static QString tr(const char* source, const char* comment = nullptr, int n = -1);\n"
+    "    static QString trUtf8(const char* source, const char* comment = nullptr, int n = -1);\n";
+
+const char* const LeafTemplate = R"cpp(    // Reads the element the reader stands on; the body of ProcessXml.
+    void ReadValuesFromXml(QXmlStreamReader& reader);
+)cpp";
+
+const char* const VersionTemplate = R"cpp(
+    // The schema version, "${version}", written first in every form.
+    const QString& GetVersion() const override;
+    // The version text of what was last read; null until then.
+    const QString& GetInitialVersionLoaded() const;
+)cpp";
+
+const char* const NumberDeclarations = R"cpp(    ${T} Get${X}() const;
+    void Set${X}(${T} value);
+${common}    bool IsValid${X}(const ${T}& value) const;
+    const ${T} GetDefault${X}() const;
+)cpp";
+
+const char* const BoolDeclarations = R"cpp(    bool Get${X}() const;
+    void Set${X}(bool value);
+${common}    const bool GetDefault${X}() const;
+)cpp";
+
+const char* const TextDeclarations = R"cpp(    QString Get${X}() const;
+    void Set${X}(const QString& value);
+${common}    bool IsValid${X}(const QString& value) const;
+    const QString GetDefault${X}() const;
+)cpp";
+
+const char* const DateTimeDeclarations = R"cpp(    QDateTime& Get${X}();
+    const QDateTime& Get${X}() const;
+    void Set${X}(const QDateTime& value);
+${common}    bool IsValid${X}(const QDateTime& value) const;
+    const QDateTime GetDefault${X}() const;
+)cpp";
+
+const char* const EnumListDeclarations = R"cpp(    QVector<${X}>& Get${X}();
+    const QVector<${X}>& Get${X}() const;
+    void Set${X}(const QVector<${X}>& value);
+    void Append${X}(const ${X}& value);
+${common}    bool IsValid${X}(const ${X}& value) const;
+    bool IsValid${X}(const QVector<${X}>& values) const;
+    const ${X} GetDefault${X}() const;
+    const ${X} GetInvalid${X}() const;
+    QString ${X}ToName(const ${X}& value) const;
+    ${X} NameTo${X}(const QString& name) const;
+    static QStringList Get${X}s();
+    static QStringList GetGUI${X}s();
+)cpp";
+
+const char* const EnumDeclarations = R"cpp(    const ${X}& Get${X}() const;
+    void Set${X}(const ${X}& value);
+${common}    bool IsValid${X}(const ${X}& value) const;
+    const ${X} GetDefault${X}() const;
+    const ${X} GetInvalid${X}() const;
+    QString Get${X}AsString() const;
+    QString ${X}ToName(const ${X}& value) const;
+    ${X} NameTo${X}(const QString& name) const;
+    static QStringList Get${X}s();
+    static QStringList GetGUI${X}s();
+)cpp";
+
+const char* const ChildDeclarations = R"cpp(    ${T}& Get${X}();
+    const ${T}& Get${X}() const;
+    void Set${X}(const ${T}& value);
+${common}    bool IsValid${X}(const ${T}& value) const;
+    const ${T} GetDefault${X}() const;
+)cpp";
+
+const char* const ListDeclarations = R"cpp(    ${T}& Get${X}();
+    const ${T}& Get${X}() const;
+    void Set${X}(const ${T}& value);
+    void Append${X}(const ${Item}& item);
+${common}    bool IsValid${X}(const ${Item}& item) const;
+    bool IsValid${X}(const ${T}& value) const;
+    const ${T} GetDefault${X}() const;
+)cpp";
+
+const char* const CommonDeclarations = R"cpp(    bool Is${X}Set() const;
+    void Reset${X}();
+)cpp";
+
+// The comment and declarations of one property.
+QString declarations(const Field& f)
+{
+    TemplateValues values = {{"X", f.name}, {"T", cppType(f)}, {"Item", f.className}};
+    values.insert(QStringLiteral("common"), render("CommonDeclarations", CommonDeclarations, values));
+    const char* name = "";
+    const char* text = "";
+    switch (f.type) {
+    case FieldType::Double:
+    case FieldType::UInt64: name = "NumberDeclarations", text = NumberDeclarations; break;
+    case FieldType::Bool: name = "BoolDeclarations", text = BoolDeclarations; break;
+    case FieldType::Text: name = "TextDeclarations", text = TextDeclarations; break;
+    case FieldType::DateTime: name = "DateTimeDeclarations", text = DateTimeDeclarations; break;
+    case FieldType::Enum:
+        if (isEnumList(f))
+            name = "EnumListDeclarations", text = EnumListDeclarations;
+        else
+            name = "EnumDeclarations", text = EnumDeclarations;
+        break;
+    case FieldType::Class:
+        if (f.xml == XmlShape::List)
+            name = "ListDeclarations", text = ListDeclarations;
+        else
+            name = "ChildDeclarations", text = ChildDeclarations;
+        break;
+    }
+    return QStringLiteral("\n    // ") + describe(f) + QLatin1Char('\n') + render(name, text, values);
+}
+
+// The enumeration type of an enum field, with its names in a comment.
+QString enumeration(const Field& f)
+{
+    QStringList quoted;
+    for (const QString& n : f.enumNames)
+        quoted.append(QLatin1Char('"') + n + QLatin1Char('"'));
+    return wrapList(QStringLiteral("    // Index into the names "), quoted, QStringLiteral("    //     "),
+                    QStringLiteral("; 0xFF is invalid.")) +
+           render("enumeration", "    enum ${X} : quint8 {};\n", {{"X", f.name}});
+}
+
+}  // namespace
+
+QString headerText(const SchemaClass& c, const ClassMap& classes)
+{
+    QString includes;
+    QSet<QString> included;
+    for (const Field& f : c.fields)
+        if (f.type == FieldType::Class && !included.contains(f.className)) {
+            included.insert(f.className);
+            includes += render("IncludeTemplate", IncludeTemplate,
+                               {{"subsystem", subsystem(*classes.value(f.className))}, {"Class", f.className}});
+        }
+    QString enums;
+    for (const Field& f : c.fields)
+        if (f.type == FieldType::Enum)
+            enums += enumeration(f);
+    QString fields;
+    for (const Field& f : fieldsInBitOrder(c))
+        fields += declarations(f);
+    return render("HeaderTemplate", HeaderTemplate,
+                  {{"banner", banner(c.sourceFile.section(QLatin1Char('/'), -3))},
+                   {"includes", includes},
+                   {"doc", c.doc.isEmpty() ? QString() : wrapWords(c.doc, QStringLiteral("// "))},
+                   {"Class", c.name},
+                   {"id", hex32(c.id)},
+                   {"enums", enums},
+                   {"translation", c.hasEnum() ? render("TranslationTemplate", TranslationTemplate, {}) : QString()},
+                   {"leaf", c.isLeaf() ? render("LeafTemplate", LeafTemplate, {}) : QString()},
+                   {"version", c.version.isEmpty()
+                                   ? QString()
+                                   : render("VersionTemplate", VersionTemplate, {{"version", c.version}})},
+                   {"fields", fields}});
+}
+
+}  // namespace Codegen
