@@ -252,16 +252,8 @@ TEST(Behaviours, EmptyBehaviourWritesAnEmptyElement)
     EXPECT_EQ(f.GetBinaryRepresentationAsQByteArray(), hex("8ba48055 00000000"));
 }
 
-TEST(Behaviours, EnumerationsAndTheirReports)
+TEST(Behaviours, EnumerationReports)
 {
-    EXPECT_EQ(FrequencyBehavior::GetFrequencyTypes().size(), 13);
-    EXPECT_EQ(FrequencyBehavior::GetFrequencyTypes().at(12), QStringLiteral("Chirp Down"));
-    EXPECT_EQ(PRIBehavior::GetPRITypes().size(), 15);
-    EXPECT_EQ(PRIBehavior::GetPRITypes().at(14), QStringLiteral("Triangle"));
-    EXPECT_EQ(PulseWidthBehavior::GetPulseWidthTypes(),
-              QStringList({"Unknown", "Fixed", "Pulse-to-Pulse Agility", "Burst-to-Burst Agility"}));
-    EXPECT_EQ(PRIItem::GetpRIValTypes(), QStringList({"Pulse", "Group"}));
-
     PRIBehavior p;
     p.SetValidate(true);
     expectRaised<OutOfRangeException>([&] { p.SetPRIType(PRIBehavior::PRIType(15)); },
@@ -367,20 +359,4 @@ TEST(Behaviours, FilledBehavioursRoundTripThroughAllForms)
     w.GetPulseWidthList().AppendPulseWidthItem(pulseWidthItem(MaxId, 0.25));
     w.GetPulseWidthList().AppendPulseWidthItem(pulseWidthItem(4, 1200));
     expectAllFormsRoundTrip(w);
-}
-
-TEST(Behaviours, RawKeepsDoublesExactTextFormsKeepTwoDecimals)
-{
-    PRIBehavior p;
-    p.GetPRIList().AppendPRIItem(priItem(1, 0, 1234.5678));
-    PRIBehavior fromRaw;
-    readRaw(fromRaw, raw(p));
-    EXPECT_EQ(fromRaw.GetPRIList().GetPRIItem().at(0).GetValue(), 1234.5678);
-    PRIBehavior fromXml;
-    ASSERT_TRUE(fromXml.SetXmlString(p.GetXmlString(), false));
-    EXPECT_EQ(fromXml.GetPRIList().GetPRIItem().at(0).GetValue(), 1234.57);
-    PRIBehavior fromTagged;
-    QByteArray bytes = p.GetBinaryRepresentationAsQByteArray();
-    ASSERT_TRUE(fromTagged.SetBinaryRepresentation(bytes));
-    EXPECT_EQ(fromTagged.GetPRIList().GetPRIItem().at(0).GetValue(), 1234.57);
 }

@@ -246,7 +246,6 @@ TEST(FilterRangeConditions, UnitAndInverseComeFirstInTextFormsAndByBitInRaw)
 
 TEST(FilterRangeConditions, LevelUnitsTravelAsUtf8NamesAndRawIndices)
 {
-    EXPECT_EQ(Level::Getunits(), QStringList({QStringLiteral("dBm"), QStringLiteral("dB") + QChar(0xB5) + QStringLiteral("V")}));
     Level l;
     l.Setunit(Level::unit(1));
     l.SetMin(-90);
@@ -327,7 +326,6 @@ TEST(FilterPRT, OneLowerBoundAndAMaxElementIsSkipped)
 
 TEST(FilterPeriodicTOA, PicosecondWindowsWithADurationOfItsOwn)
 {
-    EXPECT_EQ(PeriodicTOA::Getunits(), QStringList({"ps"}));
     PeriodicTOA p;
     p.Setunit(PeriodicTOA::unit(0));
     p.SetOffset(0.004);
@@ -351,12 +349,6 @@ TEST(FilterPeriodicTOA, PicosecondWindowsWithADurationOfItsOwn)
 
 TEST(FilterModulations, RepeatedNamesKeepOrderAndDoublesInEveryForm)
 {
-    const QStringList names = Modulations::GetModulations();
-    ASSERT_EQ(names.size(), 16);
-    EXPECT_EQ(names.at(2), QStringLiteral("FM"));
-    EXPECT_EQ(names.at(7), QStringLiteral("PSK2"));
-    EXPECT_EQ(names.at(15), QStringLiteral("TooShort"));
-
     Modulations m;
     m.SetValidate(true);
     m.AppendModulation(Kind(7));

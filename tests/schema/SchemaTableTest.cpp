@@ -1,6 +1,7 @@
 // The whole schema against its fixed tables: every class with its id and
 // element name and no other class, every field with the tag of its name and
-// kind, and the fresh object of every class through the three forms.
+// kind, the names of every enumeration in order, and the fresh object of
+// every class through the three forms.
 
 #include <gtest/gtest.h>
 
@@ -133,6 +134,34 @@ TEST(SchemaTables, UnitHasOneTagInEveryClassThatHasOne)
         }
     }
     EXPECT_EQ(withUnit, 57);
+}
+
+// Every enumeration field of every class has its names in index order, as
+// UTF-8 text, and no class has an enumeration that the table does not list.
+TEST(SchemaTables, EveryEnumerationHasItsNamesInOrder)
+{
+    QHash<QString, QStringList> expected;
+    for (const SchemaTables::EnumRow& row : SchemaTables::Enums) {
+        const QString key = QLatin1String(row.className) + QStringLiteral("::") + QLatin1String(row.field);
+        EXPECT_FALSE(expected.contains(key)) << "twice: " << key.toStdString();
+        expected.insert(key, QString::fromUtf8(row.names).split(QLatin1Char('|')));
+    }
+    ASSERT_EQ(expected.size(), 75);
+
+    QSet<QString> seen;
+    for (const Frame::ClassEntry& entry : Frame::AllClasses()) {
+        const Frame::ClassInfo& info = entry.info();
+        for (int i = 0; i < info.fieldCount; ++i) {
+            const Frame::FieldInfo& f = info.fields[i];
+            if (f.kind != Frame::Kind::Enum && f.kind != Frame::Kind::EnumList)
+                continue;
+            const QString key = QLatin1String(info.name) + QStringLiteral("::") + *f.name;
+            ASSERT_TRUE(expected.contains(key)) << "enumeration not in the table: " << key.toStdString();
+            EXPECT_EQ(Frame::EnumNames(f), expected.value(key)) << key.toStdString();
+            seen.insert(key);
+        }
+    }
+    EXPECT_EQ(seen.size(), 75);
 }
 
 // Whether the raw form of a fresh object is defined: a mandatory child or

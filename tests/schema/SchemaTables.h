@@ -2,7 +2,7 @@
 
 // The fixed tables of the schema, written out for the tests: the id of every
 // class, and the tag of every field name with the kind of its value and the
-// classes that have it.
+// classes that have it, and the names of every enumeration in index order.
 
 namespace SchemaTables {
 
@@ -293,6 +293,92 @@ const TagRow Tags[] = {
     {"WaveForm", 0x4d5d8501, "enum name", "ELINTParameter", 0},
     {"WBIQFileName", 0x0b888c9c, "text", "AdditionalRecording Files", 0},
     {"WBIQFileName", 0x6c1bc87f, "nested record", "OriginalSource", 0},
+};
+
+// The names of every enumeration field in index order, separated by '|',
+// in UTF-8; one row per class and field.
+struct EnumRow {
+    const char* className;
+    const char* field;
+    const char* names;
+};
+
+const EnumRow Enums[] = {
+{"FrequencyBehavior", "FrequencyType", "Unknown|Constant Non-Coherent|Constant Coherent|Stacked Beam|Pulse-to-Pulse Repetitive|Burst-to-Burst Repetitive|Pulse-to-Pulse Discrete Non-Repetitive|Burst-to-Burst Discrete Non-Repetitive|Pulse-to-Pulse Random|Burst-to-Burst Random|Continuous Repetitive Modulation|Chirp Up|Chirp Down"},
+    {"FrequencyItem", "unit", "Hz"},
+    {"PRIBehavior", "PRIType", "Unknown|Constant|Stagger|Unstable Stagger|Random Jitter|Discrete Jitter|Dwell Switch|Pulse Frequency Modulation|Sliding|Unstable|Pulse Interval Dropout|Pulse Code Modulation|Pulse Position Modulation|Interrupted Pulse Train|Triangle"},
+    {"PRIItem", "pRIValType", "Pulse|Group"},
+    {"PRIItem", "unit", "ns"},
+    {"PulseWidthBehavior", "PulseWidthType", "Unknown|Fixed|Pulse-to-Pulse Agility|Burst-to-Burst Agility"},
+    {"PulseWidthItem", "unit", "ns"},
+    {"EmitterDossier", "Priority", "High|Normal"},
+    {"EmitterDossier", "Status", "Active|Inactive|Decayed"},
+    {"Bearing", "unit", "deg"},
+    {"WBIQFileName", "type", "Unknown|ZANTOR|Wav|Waveform|sample-pack|Vita49"},
+    {"Selection", "unit", "ns"},
+    {"TOA", "unit", "ns"},
+    {"Level", "unit", "dBm|dBµV"},
+    {"AOA", "unit", "deg"},
+    {"PRT", "unit", "ns"},
+    {"PeriodicTOA", "unit", "ps"},
+    {"Modulations", "Modulation", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"Modulation", "PrevailingModulation", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"ModulationItem", "ModulationType", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"ModulationItem", "FMOPType", "Unknown|High to Low|Low to High"},
+    {"ELINTParameter", "WaveForm", "Unknown|CW|Pulse"},
+    {"Scan", "ScanPattern", "Unknown|Circular|H-BDS|V-BDS|Irregular Manual|Irregular Non-Manual|Raster|Palmer Raster|Helical|Spiral|Steady|Conical|Lobe Switching|UDS|Circular + Mech. Elevation|Circular + Elec. Elevation Linear|Circular + Elec. Elevation Planar|Circular + RF Elevation|Circular + V Beam|Agile Beam|Adaptive Track|Track While Scan|Engagement Group"},
+    {"Antenna", "Polarization", "Unknown|Horizontal|Vertical|LHC|RHC"},
+    {"AntennaDiagramVal", "unit", "dB"},
+    {"Sequence", "MasterSequenceBehavior", "Unknown|Switched|Parallel|Complex"},
+    {"MasterSequenceItem", "type", "Unknown|Mode|Mode Chain"},
+    {"ElementItem", "ChildType", "Sequence|Pulse"},
+    {"RADService", "Action", "ToDatabase|ToReport"},
+    {"AgeOutTime", "unit", "s"},
+    {"DetectionDuration", "unit", "ns"},
+    {"Latitude", "unit", "deg"},
+    {"Longitude", "unit", "deg"},
+    {"Altitude", "unit", "m"},
+    {"AngularResolution", "unit", "deg"},
+    {"RangeResolution", "unit", "m"},
+    {"MaxRange", "unit", "m"},
+    {"MaxUnambiguousVelocity", "unit", "m/s"},
+    {"MinDetectionRange", "unit", "m"},
+    {"RotorFrequency", "unit", "Hz"},
+    {"BeamPeakPower", "unit", "dBm|dBµV"},
+    {"FirstSideLobeLevel", "unit", "dB"},
+    {"FrameTime", "unit", "ns"},
+    {"FlyBackTime", "unit", "ns"},
+    {"VerticalScanPeriod", "unit", "ns"},
+    {"TimeBetweenBeams", "unit", "ns"},
+    {"BeamRevisitTime", "unit", "ns"},
+    {"TimeBetweenRFs", "unit", "ns"},
+    {"RFRevisitTime", "unit", "ns"},
+    {"BeamWidthHor", "unit", "deg"},
+    {"BeamWidthHorTol", "unit", "deg"},
+    {"BeamWidthVer", "unit", "deg"},
+    {"BeamWidthVerTol", "unit", "deg"},
+    {"ChannelSpacingItem", "unit", "Hz"},
+    {"ChipRate", "unit", "Hz"},
+    {"ChipRateTol", "unit", "Hz"},
+    {"ModulationDuration", "unit", "ns"},
+    {"ModulationDurationTol", "unit", "ns"},
+    {"FreqShift", "unit", "Hz"},
+    {"FreqShiftTol", "unit", "Hz"},
+    {"Bandwidth", "unit", "Hz"},
+    {"BandwidthTol", "unit", "Hz"},
+    {"StartFrequency", "unit", "Hz"},
+    {"FrequencyDeviation", "unit", "Hz"},
+    {"Duration", "unit", "ns"},
+    {"DeadTime", "unit", "ns"},
+    {"NormLevel", "unit", "dB"},
+    {"RiseTime", "unit", "ns"},
+    {"FallTime", "unit", "ns"},
+    {"EnvelopeGradient", "unit", "%/s"},
+    {"BeamDuration", "unit", "ns"},
+    {"CenterFrequency", "unit", "Hz"},
+    {"PRI", "unit", "ns"},
+    {"PulseWidth", "unit", "ns"},
+    {"ScanCycle", "unit", "ns"},
 };
 
 }  // namespace SchemaTables

@@ -18,7 +18,6 @@ TEST(ServiceRequest, AnEmptyRequestIsCompleteAndWritesAnEmptyElement)
     EXPECT_TRUE(fresh.HasData());
     EXPECT_FALSE(fresh.AnyData());
     EXPECT_FALSE(fresh.IsInitialized());
-    EXPECT_EQ(RADService::GetActions(), QStringList({"ToDatabase", "ToReport"}));
 
     RADService r;
     r.SetValidate(true);
