@@ -11,8 +11,7 @@
 #include <QStringList>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
-
-#include "schema/frame/ClassInfo_p.h"
+#include <EmitterDossierDoc/frame/Reflection.h>
 
 namespace dossier_tool {
 
@@ -111,10 +110,6 @@ bool takeMaxSize(const Arguments& a);
 // takeMaxSize and --from raw --class NAME into `options`. False, with the
 // error printed, on a wrong call.
 bool takeReadOptions(const Arguments& a, LoadOptions& options);
-
-// The class of a child or list field, from a default object of its owner.
-const EMITTERDOSSIERDOC::Frame::ClassInfo& childClass(const EMITTERDOSSIERDOC::Frame::ClassInfo& owner,
-                                                      const EMITTERDOSSIERDOC::Frame::FieldInfo& field);
 
 int runCheck(const QStringList& args);
 int runConvert(const QStringList& args);
