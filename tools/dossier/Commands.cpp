@@ -9,7 +9,7 @@
 #include <QFile>
 #include <QSaveFile>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 
@@ -235,4 +235,4 @@ int runSchema(const QStringList& args)
     return Success;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

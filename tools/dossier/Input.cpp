@@ -14,7 +14,7 @@
 #include <QXmlStreamWriter>
 #include <QtEndian>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 
@@ -363,4 +363,4 @@ bool takeReadOptions(const Arguments& a, LoadOptions& options)
     return true;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

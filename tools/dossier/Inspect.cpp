@@ -5,7 +5,7 @@
 
 #include <EmitterDossierDoc/frame/TaggedRecords.h>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 using Frame::TaggedFault;
@@ -186,4 +186,4 @@ int runInspect(const QStringList& args)
     return Success;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 using Frame::ClassInfo;
@@ -301,4 +301,4 @@ int runDiff(const QStringList& args)
     return differences == 0 ? Success : Differs;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

@@ -13,7 +13,7 @@
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
 #include <EmitterDossierDoc/frame/Reflection.h>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using EMITTERDOSSIERDOC::Frame::ClassEntry;
 using EMITTERDOSSIERDOC::Frame::Record;
@@ -118,4 +118,4 @@ int runDiff(const QStringList& args);
 int runInspect(const QStringList& args);
 int runSchema(const QStringList& args);
 
-}  // namespace dossier_tool
+}  // namespace DossierTool
