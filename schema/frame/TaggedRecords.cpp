@@ -189,6 +189,7 @@ private:
         }
         const char* data = m_in.take(count);
         value.kind = TaggedValueKind::Text;
+        value.bytes = QByteArray(data, count);
         if (utf16) {
             // UTF-16 code units in the stream's byte order.
             for (int i = 0; i + 1 < count; i += 2)

@@ -35,7 +35,8 @@ struct TaggedRecord {
 // What a record or an enumeration value holds, as far as it is read.
 enum class TaggedValueKind : quint8 {
     Skipped,  // a record of an unknown tag: its payload is passed over
-    Text,     // a byte array (UTF-8), or the version record's string (UTF-16): `text`
+    Text,     // a byte array (UTF-8), or the version record's string (UTF-16): `text`, and
+              // the payload's bytes as they stand in `bytes`
     Null,     // a null byte array or string
     Integer,  // an unsigned 64-bit integer: `integer`
     Boolean,  // `boolean`
@@ -47,6 +48,7 @@ enum class TaggedValueKind : quint8 {
 struct TaggedValue {
     TaggedValueKind kind = TaggedValueKind::Skipped;
     QString text;
+    QByteArray bytes;
     quint64 integer = 0;
     bool boolean = false;
     qint32 count = 0;  // as the record states it

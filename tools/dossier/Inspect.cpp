@@ -33,7 +33,7 @@ public:
         switch (value.kind) {
         case TaggedValueKind::Skipped: out(head + QStringLiteral(" (skipped)")); return;
         case TaggedValueKind::Text:
-        case TaggedValueKind::Null: out(head + valueText(value)); return;
+        case TaggedValueKind::Null: out(head + valueText(value, r.version)); return;
         case TaggedValueKind::Integer: out(head + QStringLiteral(" %1").arg(value.integer)); return;
         case TaggedValueKind::Boolean: out(head + (value.boolean ? QStringLiteral(" true") : QStringLiteral(" false"))); return;
         case TaggedValueKind::Block:
@@ -56,7 +56,7 @@ public:
 
     void enumValue(const TaggedItem& item, const TaggedValue& value) override
     {
-        out(QStringLiteral("%1%2: [%3]").arg(indent(item.depth)).arg(item.offset).arg(item.index) + valueText(value));
+        out(QStringLiteral("%1%2: [%3]").arg(indent(item.depth)).arg(item.offset).arg(item.index) + valueText(value, false));
     }
 
     void fault(const TaggedFault& f) override
@@ -81,11 +81,12 @@ private:
             .arg(r.length);
     }
 
-    static QString valueText(const TaggedValue& value)
+    // A string as it decodes; a byte array as far as its first NUL byte.
+    static QString valueText(const TaggedValue& value, bool string)
     {
         if (value.kind == TaggedValueKind::Null)
             return QStringLiteral(" null");
-        QString text = value.text;
+        QString text = string ? value.text : QString::fromUtf8(value.bytes);
         if (text.size() > MaxShownBytes)
             text = text.left(MaxShownBytes) + QStringLiteral("...");
         return QStringLiteral(" \"%1\"").arg(text);
