@@ -84,6 +84,7 @@ TEST(TaggedRecords, TheRecordsOfAKnownBlock)
     EXPECT_EQ(Frame::FieldName(*unit.record.field), QStringLiteral("unit"));
     EXPECT_EQ(unit.value.kind, TaggedValueKind::Text);
     EXPECT_EQ(unit.value.text, QStringLiteral("dBm"));
+    EXPECT_EQ(unit.value.bytes, QByteArray("dBm"));
     const Seen& value = seen.records.at(1);
     EXPECT_EQ(value.record.offset, 23);
     EXPECT_EQ(value.record.tag, ValueTag);
