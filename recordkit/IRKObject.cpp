@@ -16,12 +16,6 @@ namespace RECORDKIT {
 
 namespace {
 
-void configureWriter(QXmlStreamWriter& writer)
-{
-    writer.setAutoFormatting(true);
-    writer.setAutoFormattingIndent(2);
-}
-
 qint32 firstWord(const QByteArray& head, QDataStream::ByteOrder order)
 {
     return order == QDataStream::BigEndian ? qFromBigEndian<qint32>(head.constData())
@@ -29,6 +23,17 @@ qint32 firstWord(const QByteArray& head, QDataStream::ByteOrder order)
 }
 
 }  // namespace
+
+void WriteXmlDocument(const IRKObject& object, QXmlStreamWriter& writer)
+{
+    if (writer.device())
+        writer.setCodec("UTF-8");
+    writer.setAutoFormatting(true);
+    writer.setAutoFormattingIndent(2);
+    writer.writeStartDocument();
+    object.GetXml(writer);
+    writer.writeEndDocument();
+}
 
 IRKObject::IRKObject() = default;
 IRKObject::IRKObject(ObjectTypes type) : m_objectType(type) {}
@@ -138,10 +143,7 @@ QString IRKObject::GetXmlString() const
 {
     QString text;
     QXmlStreamWriter writer(&text);
-    configureWriter(writer);
-    writer.writeStartDocument();
-    GetXml(writer);
-    writer.writeEndDocument();
+    WriteXmlDocument(*this, writer);
     return text;
 }
 
@@ -154,12 +156,8 @@ bool IRKObject::SaveXml(const QString& fileName) const
         return false;
     }
     QXmlStreamWriter writer(&file);
-    writer.setCodec("UTF-8");
-    configureWriter(writer);
     try {
-        writer.writeStartDocument();
-        GetXml(writer);
-        writer.writeEndDocument();
+        WriteXmlDocument(*this, writer);
     } catch (const RKException& e) {
         file.cancelWriting();
         Trace(ERROR, e);

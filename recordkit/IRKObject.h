@@ -131,4 +131,10 @@ private:
     mutable std::shared_ptr<Logger> m_logger;
 };
 
+// Writes `object` to `writer` as a whole XML document: the declaration, the
+// object's element indented by two spaces a level, and the end of the
+// document; in UTF-8 when the writer writes to a device. SaveXml and
+// GetXmlString write through it. Throws what GetXml throws.
+EDD_EXPORT void WriteXmlDocument(const IRKObject& object, QXmlStreamWriter& writer);
+
 }  // namespace RECORDKIT

@@ -8,6 +8,7 @@
 #include "schema/frame/DataOut_p.h"
 #include "schema/frame/Limits_p.h"
 #include "schema/frame/Runtime_p.h"
+#include "schema/frame/TaggedWalk_p.h"
 #include "schema/frame/TextForms_p.h"
 
 namespace EMITTERDOSSIERDOC {
@@ -68,14 +69,6 @@ void writeRawRecord(DataOut& out, quint32 tag, const QString& value)
     LengthWord length(out);
     out.viaStream([&](QDataStream& stream) { stream << value; });
     length.patch();
-}
-
-const FieldInfo* fieldByTag(const ClassInfo& info, quint32 tag)
-{
-    for (int i = 0; i < info.fieldCount; ++i)
-        if (info.fields[i].tag == tag)
-            return &info.fields[i];
-    return nullptr;
 }
 
 }  // namespace
@@ -259,25 +252,18 @@ void Internal::readTagged(Record& r, DataIn& in, qint64 length)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
-    qint64 remaining = length;
-    while (remaining > 0 && !in.atEnd()) {
-        qint32 tag = 0;
-        qint32 size = 0;
-        in >> tag >> size;
-        if (in.status() != QDataStream::Ok || size < 0)
-            break;
-        const qint64 room = remaining - 8;  // what the block has left for this record's payload
-        remaining -= 8 + qint64(size);
-        if (info.version && quint32(tag) == info.version->tag) {
+    const TaggedWalk walk = walkTaggedBlock(in, info, length, [&](const TaggedHead& head) {
+        const qint32 size = head.size;
+        if (head.version) {
             QString loaded;
             in.viaStream([&](QDataStream& stream) { stream >> loaded; });
             versionGate(r, p, loaded);
-            continue;
+            return true;
         }
-        const FieldInfo* f = fieldByTag(info, quint32(tag));
+        const FieldInfo* f = head.field;
         if (!f) {
-            in.viaStream([&](QDataStream& stream) { r.skipCurrentElement(stream, size, tag); });
-            continue;
+            in.viaStream([&](QDataStream& stream) { r.skipCurrentElement(stream, size, int(head.tag)); });
+            return true;
         }
         switch (f->kind) {
         case Kind::Double:
@@ -310,15 +296,16 @@ void Internal::readTagged(Record& r, DataIn& in, qint64 length)
             p.set(f->bit);
             break;
         case Kind::List:
-            readTaggedList(r, p, *f, in, qMin<qint64>(size, room));
+            readTaggedList(r, p, *f, in, qMin<qint64>(size, head.room));
             break;
         case Kind::EnumList:
-            readTaggedEnumList(r, p, *f, in, qMin<qint64>(size, room));
+            readTaggedEnumList(r, p, *f, in, qMin<qint64>(size, head.room));
             break;
         }
-    }
+        return true;
+    });
     // A short block, a record running past the block or a premature end of the stream.
-    if (remaining != 0 || in.status() != QDataStream::Ok)
+    if (walk.remaining != 0 || in.status() != QDataStream::Ok)
         lengthError(r);
 }
 

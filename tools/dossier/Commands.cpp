@@ -9,7 +9,7 @@
 #include <QFile>
 #include <QSaveFile>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 
@@ -98,7 +98,7 @@ int runCheck(const QStringList& args)
         const Record& root = *loaded.record;
         Frame::ForEachChecked(root, [&](const QString& where, const Record& record) {
             Frame::CheckOwnFields(record, true);
-            faults.take(*loaded.logger, where.isEmpty() ? QLatin1String(root.GetClassInfo().name) : where);
+            faults.take(*loaded.logger, where.isEmpty() ? Frame::ClassName(root.GetClassInfo()) : where);
         });
         faults.finish();
         if (faults.any() && result == Success)
@@ -171,18 +171,18 @@ QString xmlShape(Frame::XmlForm form)
     return QString();
 }
 
-QString typeName(const Frame::ClassInfo& owner, const Frame::FieldInfo& f)
+QString typeName(const Frame::FieldInfo& f)
 {
-    switch (f.kind) {
+    switch (Frame::FieldKind(f)) {
     case Frame::Kind::Double: return QStringLiteral("double");
     case Frame::Kind::UInt64: return QStringLiteral("uint64");
     case Frame::Kind::Bool: return QStringLiteral("bool");
     case Frame::Kind::Text: return QStringLiteral("text");
     case Frame::Kind::DateTime: return QStringLiteral("datetime");
-    case Frame::Kind::Enum: return QStringLiteral("enum(%1)").arg(f.enumInfo().names->join(QLatin1Char('|')));
-    case Frame::Kind::EnumList: return QStringLiteral("enum list(%1)").arg(f.enumInfo().names->join(QLatin1Char('|')));
+    case Frame::Kind::Enum: return QStringLiteral("enum(%1)").arg(Frame::EnumNames(f).join(QLatin1Char('|')));
+    case Frame::Kind::EnumList: return QStringLiteral("enum list(%1)").arg(Frame::EnumNames(f).join(QLatin1Char('|')));
     case Frame::Kind::Child:
-    case Frame::Kind::List: return QLatin1String(childClass(owner, f).name);
+    case Frame::Kind::List: return Frame::ClassName(*Frame::ItemClass(f));
     }
     return QString();
 }
@@ -199,9 +199,9 @@ int runSchema(const QStringList& args)
     if (a.positional.isEmpty()) {
         for (const ClassEntry& entry : Frame::AllClasses())
             out(QStringLiteral("%1 0x%2 %3")
-                    .arg(QLatin1String(entry.info().name), -24)
-                    .arg(quint32(entry.info().id), 8, 16, QLatin1Char('0'))
-                    .arg(entry.info().id));
+                    .arg(Frame::ClassName(entry.info()), -24)
+                    .arg(quint32(Frame::ClassId(entry.info())), 8, 16, QLatin1Char('0'))
+                    .arg(Frame::ClassId(entry.info())));
         return Success;
     }
     const ClassEntry* entry = Frame::FindClass(a.positional.first());
@@ -211,28 +211,28 @@ int runSchema(const QStringList& args)
     }
     const Frame::ClassInfo& info = entry->info();
     out(QStringLiteral("%1 0x%2 (%3), element \"%4\"")
-            .arg(QLatin1String(info.name))
-            .arg(quint32(info.id), 8, 16, QLatin1Char('0'))
-            .arg(info.id)
-            .arg(info.objectName()));
-    if (info.version)
+            .arg(Frame::ClassName(info))
+            .arg(quint32(Frame::ClassId(info)), 8, 16, QLatin1Char('0'))
+            .arg(Frame::ClassId(info))
+            .arg(Frame::ClassName(info)));
+    if (Frame::ClassVersionTag(info) != 0)
         out(QStringLiteral("version \"%1\", tag 0x%2, written first")
-                .arg(*info.version->text)
-                .arg(info.version->tag, 8, 16, QLatin1Char('0')));
+                .arg(Frame::ClassSchemaVersion(info))
+                .arg(Frame::ClassVersionTag(info), 8, 16, QLatin1Char('0')));
     out(QStringLiteral("bit  %1 %2 %3 %4 tag").arg(QStringLiteral("field"), -24).arg(QStringLiteral("xml"), -10)
             .arg(QStringLiteral("type"), -24).arg(QStringLiteral("presence"), -10));
     // Rows in the order of writing, as the XML and tagged forms have them.
-    for (int i = 0; i < info.fieldCount; ++i) {
-        const Frame::FieldInfo& f = info.fields[i];
+    for (int i = 0; i < Frame::FieldCount(info); ++i) {
+        const Frame::FieldInfo& f = Frame::FieldAt(info, i);
         out(QStringLiteral("%1 %2 %3 %4 %5 0x%6")
-                .arg(f.bit, -4)
-                .arg(*f.name, -24)
-                .arg(xmlShape(f.xml), -10)
-                .arg(typeName(info, f), -24)
-                .arg(f.mandatory ? QStringLiteral("mandatory") : QStringLiteral("optional"), -10)
-                .arg(f.tag, 8, 16, QLatin1Char('0')));
+                .arg(Frame::FieldBit(f), -4)
+                .arg(Frame::FieldName(f), -24)
+                .arg(xmlShape(Frame::FieldXmlForm(f)), -10)
+                .arg(typeName(f), -24)
+                .arg(Frame::IsMandatory(f) ? QStringLiteral("mandatory") : QStringLiteral("optional"), -10)
+                .arg(Frame::FieldTag(f), 8, 16, QLatin1Char('0')));
     }
     return Success;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

@@ -14,7 +14,7 @@
 #include <QXmlStreamWriter>
 #include <QtEndian>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 
@@ -55,7 +55,7 @@ QString trailingBytes(const QString& path, const QDataStream& stream, const QStr
 
 void loadRaw(const QString& path, const QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
 {
-    const QString className = QLatin1String(options.rawClass->info().name);
+    const QString className = Frame::ClassName(options.rawClass->info());
     loaded.form = Form::Raw;
     loaded.record = create(*options.rawClass, options, loaded.logger);
     QDataStream stream(bytes);
@@ -109,7 +109,7 @@ void loadTagged(const QString& path, QByteArray& bytes, Loaded& loaded, const Lo
     if (!loaded.record->SetBinaryRepresentation(stream))
         loaded.error = readError(path, *loaded.logger);
     else if (!stream.atEnd()) {
-        QString what = QStringLiteral("the tagged form of %1").arg(QLatin1String(entry->info().name));
+        QString what = QStringLiteral("the tagged form of %1").arg(Frame::ClassName(entry->info()));
         if (loaded.form == Form::Compressed)
             what += QStringLiteral(" in the compressed form");
         loaded.error = trailingBytes(path, stream, what);
@@ -237,14 +237,8 @@ QByteArray formBytes(const Record& record, Form form)
         QByteArray bytes;
         QBuffer buffer(&bytes);
         buffer.open(QIODevice::WriteOnly);
-        // As SaveXml writes a file.
         QXmlStreamWriter writer(&buffer);
-        writer.setCodec("UTF-8");
-        writer.setAutoFormatting(true);
-        writer.setAutoFormattingIndent(2);
-        writer.writeStartDocument();
-        record.GetXml(writer);
-        writer.writeEndDocument();
+        RECORDKIT::WriteXmlDocument(record, writer);
         return bytes;
     }
     case Form::Tagged: return record.GetBinaryRepresentationAsQByteArray();
@@ -369,18 +363,4 @@ bool takeReadOptions(const Arguments& a, LoadOptions& options)
     return true;
 }
 
-const Frame::ClassInfo& childClass(const Frame::ClassInfo& owner, const Frame::FieldInfo& field)
-{
-    if (field.kind == Frame::Kind::List)
-        return Frame::FindClass(field.listOps().itemName())->info();
-    // Found once per field: inspect asks for every child record of a stream.
-    static QHash<const Frame::FieldInfo*, const Frame::ClassInfo*> known;
-    const Frame::ClassInfo*& info = known[&field];
-    if (!info) {
-        const std::unique_ptr<Record> sample(Frame::FindClass(qint64(owner.id))->create());
-        info = &Frame::ChildOf(*sample, field).GetClassInfo();
-    }
-    return *info;
-}
-
-}  // namespace dossier_tool
+}  // namespace DossierTool

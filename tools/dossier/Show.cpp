@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-namespace dossier_tool {
+namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
 using Frame::ClassInfo;
@@ -16,9 +16,11 @@ namespace {
 
 const FieldInfo* unitField(const ClassInfo& info)
 {
-    for (int i = 0; i < info.fieldCount; ++i)
-        if (*info.fields[i].name == QLatin1String("unit") && info.fields[i].kind == Kind::Enum)
-            return &info.fields[i];
+    for (int i = 0; i < Frame::FieldCount(info); ++i) {
+        const FieldInfo& f = Frame::FieldAt(info, i);
+        if (Frame::FieldName(f) == QLatin1String("unit") && Frame::FieldKind(f) == Kind::Enum)
+            return &f;
+    }
     return nullptr;
 }
 
@@ -27,11 +29,11 @@ const FieldInfo* unitField(const ClassInfo& info)
 QString valueText(const Record& record, const FieldInfo& f, const FieldInfo* unit)
 {
     QString text = Frame::FieldText(record, f);
-    if (f.kind == Kind::Enum && text.isEmpty())
+    if (Frame::FieldKind(f) == Kind::Enum && text.isEmpty())
         return QStringLiteral("(invalid)");
-    if (f.kind == Kind::Text && text.isEmpty())
+    if (Frame::FieldKind(f) == Kind::Text && text.isEmpty())
         return QStringLiteral("\"\"");
-    if (f.kind == Kind::Double && unit && Frame::IsFieldSet(record, *unit))
+    if (Frame::FieldKind(f) == Kind::Double && unit && Frame::IsFieldSet(record, *unit))
         text += QLatin1Char(' ') + Frame::FieldText(record, *unit);
     return text;
 }
@@ -40,10 +42,10 @@ QString valueText(const Record& record, const FieldInfo& f, const FieldInfo* uni
 // measured value, fits on one line: "12.50 dBm".
 bool isOneLiner(const ClassInfo& info)
 {
-    if (!info.leaf)
+    if (!Frame::IsLeafClass(info))
         return false;
-    for (int i = 0; i < info.fieldCount; ++i)
-        if (info.fields[i].xml == Frame::XmlForm::Content)
+    for (int i = 0; i < Frame::FieldCount(info); ++i)
+        if (Frame::FieldXmlForm(Frame::FieldAt(info, i)) == Frame::XmlForm::Content)
             return true;
     return false;
 }
@@ -54,14 +56,14 @@ QString oneLine(const Record& record)
     const FieldInfo* unit = unitField(info);
     QString content;
     QStringList others;
-    for (int i = 0; i < info.fieldCount; ++i) {
-        const FieldInfo& f = info.fields[i];
+    for (int i = 0; i < Frame::FieldCount(info); ++i) {
+        const FieldInfo& f = Frame::FieldAt(info, i);
         if (!Frame::IsFieldSet(record, f) || &f == unit)
             continue;
-        if (f.xml == Frame::XmlForm::Content)
+        if (Frame::FieldXmlForm(f) == Frame::XmlForm::Content)
             content = valueText(record, f, unit);
         else
-            others.append(QStringLiteral("%1 %2").arg(*f.name, valueText(record, f, nullptr)));
+            others.append(QStringLiteral("%1 %2").arg(Frame::FieldName(f), valueText(record, f, nullptr)));
     }
     if (content.isEmpty() && unit && Frame::IsFieldSet(record, *unit))
         content = QStringLiteral("(no value) %1").arg(Frame::FieldText(record, *unit));
@@ -78,17 +80,17 @@ void showField(const Record& record, const FieldInfo& f, const FieldInfo* unit, 
     const bool set = Frame::IsFieldSet(record, f);
     if (!set && !all)
         return;
-    if (!set && f.kind != Kind::List && f.kind != Kind::EnumList) {
-        out(indent + *f.name + QStringLiteral(": (unset)"));
+    if (!set && Frame::FieldKind(f) != Kind::List && Frame::FieldKind(f) != Kind::EnumList) {
+        out(indent + Frame::FieldName(f) + QStringLiteral(": (unset)"));
         return;
     }
-    switch (f.kind) {
+    switch (Frame::FieldKind(f)) {
     case Kind::Child: {
         const Record& child = Frame::ChildOf(record, f);
         if (isOneLiner(child.GetClassInfo()))
-            out(indent + *f.name + QStringLiteral(": ") + oneLine(child));
+            out(indent + Frame::FieldName(f) + QStringLiteral(": ") + oneLine(child));
         else {
-            out(indent + *f.name);
+            out(indent + Frame::FieldName(f));
             showRecord(child, depth + 1, all);
         }
         return;
@@ -96,12 +98,12 @@ void showField(const Record& record, const FieldInfo& f, const FieldInfo* unit, 
     case Kind::List: {
         const int n = Frame::ItemCount(record, f);
         if (!set && n == 0) {
-            out(indent + *f.name + QStringLiteral(": (unset)"));
+            out(indent + Frame::FieldName(f) + QStringLiteral(": (unset)"));
             return;
         }
         for (int k = 0; k < n; ++k) {
             const Record& item = Frame::ItemOf(record, f, k);
-            const QString name = QStringLiteral("%1[%2]").arg(*f.name).arg(k);
+            const QString name = QStringLiteral("%1[%2]").arg(Frame::FieldName(f)).arg(k);
             if (isOneLiner(item.GetClassInfo()))
                 out(indent + name + QStringLiteral(": ") + oneLine(item));
             else {
@@ -114,17 +116,17 @@ void showField(const Record& record, const FieldInfo& f, const FieldInfo* unit, 
     case Kind::EnumList: {
         const int n = Frame::ItemCount(record, f);
         if (!set && n == 0) {
-            out(indent + *f.name + QStringLiteral(": (unset)"));
+            out(indent + Frame::FieldName(f) + QStringLiteral(": (unset)"));
             return;
         }
         for (int k = 0; k < n; ++k) {
             const QString name = Frame::EnumItemText(record, f, k);
-            out(indent + QStringLiteral("%1[%2]: %3").arg(*f.name).arg(k).arg(name.isEmpty() ? QStringLiteral("(invalid)") : name));
+            out(indent + QStringLiteral("%1[%2]: %3").arg(Frame::FieldName(f)).arg(k).arg(name.isEmpty() ? QStringLiteral("(invalid)") : name));
         }
         return;
     }
     default:
-        out(indent + *f.name + QStringLiteral(": ") + valueText(record, f, unit));
+        out(indent + Frame::FieldName(f) + QStringLiteral(": ") + valueText(record, f, unit));
     }
 }
 
@@ -132,10 +134,10 @@ void showRecord(const Record& record, int depth, bool all)
 {
     const ClassInfo& info = record.GetClassInfo();
     const FieldInfo* unit = unitField(info);
-    for (int i = 0; i < info.fieldCount; ++i) {
-        const FieldInfo& f = info.fields[i];
+    for (int i = 0; i < Frame::FieldCount(info); ++i) {
+        const FieldInfo& f = Frame::FieldAt(info, i);
         // A unit that goes with the record's numbers stands beside each of them.
-        if (&f == unit && info.fieldCount > 1 && !all)
+        if (&f == unit && Frame::FieldCount(info) > 1 && !all)
             continue;
         showField(record, f, unit, depth, all);
     }
@@ -145,12 +147,12 @@ void showRecord(const Record& record, int depth, bool all)
 
 QString exactText(const Record& record, const FieldInfo& f)
 {
-    if (f.kind == Kind::Double)
+    if (Frame::FieldKind(f) == Kind::Double)
         return QString::number(Frame::FieldDouble(record, f), 'g', 17);
     const QString text = Frame::FieldText(record, f);
-    if (f.kind == Kind::Enum && text.isEmpty())
+    if (Frame::FieldKind(f) == Kind::Enum && text.isEmpty())
         return QStringLiteral("(invalid)");
-    return f.kind == Kind::Text ? QLatin1Char('"') + text + QLatin1Char('"') : text;
+    return Frame::FieldKind(f) == Kind::Text ? QLatin1Char('"') + text + QLatin1Char('"') : text;
 }
 
 QString sideText(const Record& record, const FieldInfo& f)
@@ -166,7 +168,7 @@ bool sameValue(const Record& a, const Record& b, const FieldInfo& f)
     const bool setA = Frame::IsFieldSet(a, f), setB = Frame::IsFieldSet(b, f);
     if (!setA || !setB)
         return setA == setB;
-    if (f.kind == Kind::Double) {
+    if (Frame::FieldKind(f) == Kind::Double) {
         const double va = Frame::FieldDouble(a, f), vb = Frame::FieldDouble(b, f);
         return va == vb || (std::isnan(va) && std::isnan(vb));
     }
@@ -186,11 +188,11 @@ void diffRecords(const Record& a, const Record& b, const QString& path, int& dif
 {
     const ClassInfo& info = a.GetClassInfo();
     const QString prefix = path.isEmpty() ? QString() : path + QLatin1Char('/');
-    for (int i = 0; i < info.fieldCount; ++i) {
-        const FieldInfo& f = info.fields[i];
-        const QString where = prefix + *f.name;
+    for (int i = 0; i < Frame::FieldCount(info); ++i) {
+        const FieldInfo& f = Frame::FieldAt(info, i);
+        const QString where = prefix + Frame::FieldName(f);
         const bool setA = Frame::IsFieldSet(a, f), setB = Frame::IsFieldSet(b, f);
-        switch (f.kind) {
+        switch (Frame::FieldKind(f)) {
         case Kind::Child:
             if (setA && setB)
                 diffRecords(Frame::ChildOf(a, f), Frame::ChildOf(b, f), where, differences);
@@ -252,8 +254,8 @@ int runShow(const QStringList& args)
     }
     const Record& record = *loaded.record;
     const ClassInfo& info = record.GetClassInfo();
-    QString head = QLatin1String(info.name);
-    if (info.version)
+    QString head = Frame::ClassName(info);
+    if (Frame::ClassVersionTag(info) != 0)
         head += QStringLiteral(" (version %1)").arg(record.GetVersion());
     out(head);
     if (isOneLiner(info))
@@ -287,7 +289,7 @@ int runDiff(const QStringList& args)
     const Record& ra = *left.record;
     const Record& rb = *right.record;
     if (&ra.GetClassInfo() != &rb.GetClassInfo()) {
-        out(QStringLiteral("A is %1, B is %2").arg(QLatin1String(ra.GetClassInfo().name), QLatin1String(rb.GetClassInfo().name)));
+        out(QStringLiteral("A is %1, B is %2").arg(Frame::ClassName(ra.GetClassInfo()), Frame::ClassName(rb.GetClassInfo())));
         return Differs;
     }
     int differences = 0;
@@ -299,4 +301,4 @@ int runDiff(const QStringList& args)
     return differences == 0 ? Success : Differs;
 }
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

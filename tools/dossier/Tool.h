@@ -11,10 +11,9 @@
 #include <QStringList>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
+#include <EmitterDossierDoc/frame/Reflection.h>
 
-#include "schema/frame/ClassInfo_p.h"
-
-namespace dossier_tool {
+namespace DossierTool {
 
 using EMITTERDOSSIERDOC::Frame::ClassEntry;
 using EMITTERDOSSIERDOC::Frame::Record;
@@ -112,10 +111,6 @@ bool takeMaxSize(const Arguments& a);
 // error printed, on a wrong call.
 bool takeReadOptions(const Arguments& a, LoadOptions& options);
 
-// The class of a child or list field, from a default object of its owner.
-const EMITTERDOSSIERDOC::Frame::ClassInfo& childClass(const EMITTERDOSSIERDOC::Frame::ClassInfo& owner,
-                                                      const EMITTERDOSSIERDOC::Frame::FieldInfo& field);
-
 int runCheck(const QStringList& args);
 int runConvert(const QStringList& args);
 int runShow(const QStringList& args);
@@ -123,4 +118,4 @@ int runDiff(const QStringList& args);
 int runInspect(const QStringList& args);
 int runSchema(const QStringList& args);
 
-}  // namespace dossier_tool
+}  // namespace DossierTool

@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace dossier_tool;
+using namespace DossierTool;
 
 enum class Reads { Nothing, AnyForm, TaggedForms };
 
