@@ -10,7 +10,7 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using namespace testing_support;
+using namespace TestSupport;
 using Frame::TaggedFault;
 using Frame::TaggedFaultKind;
 using Frame::TaggedItem;

@@ -12,7 +12,7 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using namespace testing_support;
+using namespace TestSupport;
 
 TEST(XmlDocument, OnADeviceItIsWhatSaveXmlWrites)
 {
