@@ -323,7 +323,9 @@ void HeapHeld_Parameters10000Pulses(benchmark::State& state)
         held = heapInUse() - before;
         benchmark::DoNotOptimize(object.get());
     }
-    state.SetLabel(form == Form::Xml ? "after XML read" : form == Form::Tagged ? "after tagged read" : "after raw read");
+    state.SetLabel(form == Form::Xml      ? "after XML read"
+                   : form == Form::Tagged ? "after tagged read"
+                                          : "after raw read");
     state.counters["heap_bytes"] = double(held);
     state.counters["xml_bytes"] = double(xmlBytes);
     state.counters["heap_per_xml_byte"] = double(held) / double(xmlBytes);

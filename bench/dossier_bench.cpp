@@ -213,10 +213,7 @@ struct Fixture {
 };
 
 // Every whole-dossier result says the size of the XML it ran with.
-void reportSize(benchmark::State& state)
-{
-    state.counters["xml_bytes"] = double(Fixture::get().xmlBytes);
-}
+void reportSize(benchmark::State& state) { state.counters["xml_bytes"] = double(Fixture::get().xmlBytes); }
 
 size_t heapInUse()
 {
@@ -933,10 +930,10 @@ void setSizeMb(double megabytes)
     char text[32];
     std::snprintf(text, sizeof text, "%g", megabytes);
     benchmark::AddCustomContext("dossier_size_mb", text);
-    benchmark::AddCustomContext("dossier_lists",
-                                "pulses=" + std::to_string(n.pulses) + " pris=" + std::to_string(n.pris) +
-                                    " frequencies=" + std::to_string(n.frequencies) +
-                                    " sequences=" + std::to_string(n.sequences));
+    benchmark::AddCustomContext("dossier_lists", "pulses=" + std::to_string(n.pulses) +
+                                                     " pris=" + std::to_string(n.pris) +
+                                                     " frequencies=" + std::to_string(n.frequencies) +
+                                                     " sequences=" + std::to_string(n.sequences));
 }
 
 }  // namespace DossierBench

@@ -33,7 +33,7 @@ struct SchemaClass {
     QString folder;  // subsystem folder relative to the source root, e.g. "schema/values"
     QString sourceFile;
     QVector<Field> fields;  // in the order of writing
-    QString version;     // the schema version a root class carries, or empty
+    QString version;        // the schema version a root class carries, or empty
     quint32 versionTag = 0;
     QString file;
     int line = 0;

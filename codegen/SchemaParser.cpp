@@ -201,8 +201,9 @@ private:
                 if (field.name == flags.at(i).first)
                     target = &field;
             if (!target || target->xml != XmlShape::List)
-                return fail(flagLines.at(i), QStringLiteral("flag %1 needs a list field of %2, found '%3'")
-                                                 .arg(flags.at(i).second, cls.name, flags.at(i).first),
+                return fail(flagLines.at(i),
+                            QStringLiteral("flag %1 needs a list field of %2, found '%3'")
+                                .arg(flags.at(i).second, cls.name, flags.at(i).first),
                             error);
             target->flags.append(flags.at(i).second);
         }
@@ -315,20 +316,23 @@ private:
         field.name = w.at(1);
         if (!isIdentifier(field.name))
             return fail(line.number, QStringLiteral("'%1' is not a field name").arg(field.name), error);
-        static const QHash<QString, XmlShape> shapes = {
-            {QStringLiteral("attribute"), XmlShape::Attribute}, {QStringLiteral("element"), XmlShape::Element},
-            {QStringLiteral("content"), XmlShape::Content},     {QStringLiteral("child"), XmlShape::Child},
-            {QStringLiteral("list"), XmlShape::List}};
+        static const QHash<QString, XmlShape> shapes = {{QStringLiteral("attribute"), XmlShape::Attribute},
+                                                        {QStringLiteral("element"), XmlShape::Element},
+                                                        {QStringLiteral("content"), XmlShape::Content},
+                                                        {QStringLiteral("child"), XmlShape::Child},
+                                                        {QStringLiteral("list"), XmlShape::List}};
         if (!shapes.contains(w.at(2)))
-            return fail(line.number,
-                        QStringLiteral("unknown XML shape '%1' (attribute, element, content, child, list)")
-                            .arg(w.at(2)),
-                        error);
+            return fail(
+                line.number,
+                QStringLiteral("unknown XML shape '%1' (attribute, element, content, child, list)").arg(w.at(2)),
+                error);
         field.xml = shapes.value(w.at(2));
-        static const QHash<QString, FieldType> types = {
-            {QStringLiteral("double"), FieldType::Double}, {QStringLiteral("uint64"), FieldType::UInt64},
-            {QStringLiteral("bool"), FieldType::Bool},     {QStringLiteral("text"), FieldType::Text},
-            {QStringLiteral("datetime"), FieldType::DateTime}, {QStringLiteral("enum"), FieldType::Enum}};
+        static const QHash<QString, FieldType> types = {{QStringLiteral("double"), FieldType::Double},
+                                                        {QStringLiteral("uint64"), FieldType::UInt64},
+                                                        {QStringLiteral("bool"), FieldType::Bool},
+                                                        {QStringLiteral("text"), FieldType::Text},
+                                                        {QStringLiteral("datetime"), FieldType::DateTime},
+                                                        {QStringLiteral("enum"), FieldType::Enum}};
         if (types.contains(w.at(3))) {
             field.type = types.value(w.at(3));
         } else if (isIdentifier(w.at(3)) && w.at(3).at(0).isUpper()) {

@@ -190,9 +190,8 @@ QString define(const char* name, const Definition (&definitions)[N], const Templ
 // The definitions of one property.
 QString definitions(const SchemaClass& c, const Field& f)
 {
-    const TemplateValues values = {{"Class", c.name},     {"X", f.name},
-                                   {"T", cppType(f)},     {"m", memberName(f.name)},
-                                   {"Item", f.className}, {"bit", QString::number(f.bit)}};
+    const TemplateValues values = {{"Class", c.name},         {"X", f.name},         {"T", cppType(f)},
+                                   {"m", memberName(f.name)}, {"Item", f.className}, {"bit", QString::number(f.bit)}};
     QString d;
     switch (f.type) {
     case FieldType::Double:
@@ -279,8 +278,9 @@ QString trUtf8(const SchemaClass& c)
 QString copyConstructor(const SchemaClass& c)
 {
     const TemplateValues values = {{"Class", c.name}};
-    const QString line =
-        render("copy", "${Class}::${Class}(const ${Class}& other) : Record(other, StaticClassInfo()) {}\n", values);
+    const QString line = render("copy",
+                                "${Class}::${Class}(const ${Class}& other) : Record(other, StaticClassInfo()) {}\n",
+                                values);
     if (line.size() <= LineWidth + 1)
         return line;
     return render("copyBlock",
@@ -314,11 +314,10 @@ QString sourceText(const SchemaClass& c)
                                    QStringLiteral("byBit"),
                                    versioned ? QStringLiteral("&versionInfo") : QStringLiteral("Frame::NoVersion"),
                                    QStringLiteral("&Data::create")};
-    const TemplateValues classValues = {
-        {"Class", c.name},
-        {"version", c.version},
-        {"tag", hex32(c.versionTag)},
-        {"trUtf8", trUtf8(c)}};
+    const TemplateValues classValues = {{"Class", c.name},
+                                        {"version", c.version},
+                                        {"tag", hex32(c.versionTag)},
+                                        {"trUtf8", trUtf8(c)}};
     return render(
         "SourceTemplate", SourceTemplate,
         {{"banner", banner(c.sourceFile.section(QLatin1Char('/'), -3))},

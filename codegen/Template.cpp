@@ -22,8 +22,8 @@ QString render(const char* name, const char* text, const TemplateValues& values)
         const QString field = source.mid(open + 2, close - open - 2);
         const auto value = values.constFind(field);
         if (value == values.constEnd())
-            throw TemplateError(QStringLiteral("template %1: no value for placeholder ${%2}")
-                                    .arg(QString::fromUtf8(name), field));
+            throw TemplateError(
+                QStringLiteral("template %1: no value for placeholder ${%2}").arg(QString::fromUtf8(name), field));
         out += source.midRef(at, open - at);
         out += *value;
         at = close + 1;

@@ -103,13 +103,15 @@ int main(int argc, char** argv)
         // Every object of the sample, as the block of its own class.
         Frame::ForEachChecked(*record, [&](const QString& path, const Frame::Record& object) {
             int index = 0;
-            while (index < classes.size() && Frame::ClassId(classes.at(index).info()) != Frame::ClassId(object.GetClassInfo()))
+            while (index < classes.size() &&
+                   Frame::ClassId(classes.at(index).info()) != Frame::ClassId(object.GetClassInfo()))
                 ++index;
             QByteArray seed(1, char(index));
             seed += '\0';
             seed += recordsOf(object);
             const QString name = QStringLiteral("%1-%2").arg(base, path.isEmpty() ? QStringLiteral("root") : path);
-            write(out.filePath(QStringLiteral("any/") + QString(name).replace(QLatin1Char('/'), QLatin1Char('.'))), seed);
+            write(out.filePath(QStringLiteral("any/") + QString(name).replace(QLatin1Char('/'), QLatin1Char('.'))),
+                  seed);
             ++written;
         });
     }

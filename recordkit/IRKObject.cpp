@@ -8,9 +8,9 @@
 #include <QSaveFile>
 #include <QtEndian>
 
-#include <EmitterDossierDoc/recordkit/Input.h>
 #include "recordkit/XmlGuard_p.h"
 #include "recordkit/XmlTextDevice_p.h"
+#include <EmitterDossierDoc/recordkit/Input.h>
 
 namespace RECORDKIT {
 
@@ -193,10 +193,7 @@ QString IRKObject::GetTextValue(QXmlStreamReader& reader)
 
 // --- Tagged form -------------------------------------------------------------
 
-void IRKObject::GetBinaryRepresentation(QDataStream& stream) const
-{
-    GetBinary(stream, int(quint32(m_classId)), true);
-}
+void IRKObject::GetBinaryRepresentation(QDataStream& stream) const { GetBinary(stream, int(quint32(m_classId)), true); }
 
 QByteArray IRKObject::GetBinaryRepresentationAsQByteArray() const
 {
@@ -358,9 +355,6 @@ void IRKObject::TraceOrThrow(LogLevel level, RKException& exception, bool raise,
         Trace(level, exception);
 }
 
-void IRKObject::logFailure(const QString& message) const
-{
-    Trace(ERROR, RKException(message));
-}
+void IRKObject::logFailure(const QString& message) const { Trace(ERROR, RKException(message)); }
 
 }  // namespace RECORDKIT

@@ -6,8 +6,7 @@ namespace RECORDKIT {
 
 const QStringList& LogLevelNames()
 {
-    static const QStringList names = {QStringLiteral("ERROR"), QStringLiteral("WARNING"),
-                                      QStringLiteral("INFO")};
+    static const QStringList names = {QStringLiteral("ERROR"), QStringLiteral("WARNING"), QStringLiteral("INFO")};
     return names;
 }
 

@@ -237,9 +237,7 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
             if (!skipPast(p, end, '-', State::CommentDash))
                 return size;
             break;
-        case State::CommentDash:
-            m_state = unitValue(*p++) == '-' ? State::CommentDashDash : State::Comment;
-            break;
+        case State::CommentDash: m_state = unitValue(*p++) == '-' ? State::CommentDashDash : State::Comment; break;
         case State::CommentDashDash:
             m_state = closing(unitValue(*p++), '-', State::CommentDashDash, m_resume, State::Comment);
             break;
@@ -247,9 +245,7 @@ qint64 AttributeGuard::scan(const Unit* data, qint64 size)
             if (!skipPast(p, end, ']', State::CDataBracket))
                 return size;
             break;
-        case State::CDataBracket:
-            m_state = unitValue(*p++) == ']' ? State::CDataBracketBracket : State::CData;
-            break;
+        case State::CDataBracket: m_state = unitValue(*p++) == ']' ? State::CDataBracketBracket : State::CData; break;
         case State::CDataBracketBracket:
             m_state = closing(unitValue(*p++), ']', State::CDataBracketBracket, State::Text, State::CData);
             break;

@@ -21,9 +21,9 @@ XmlUnits detectXmlUnits(const char* head, qint64 size);
 // size, and finds the first start tag with more than MaxXmlAttributes
 // attributes, or the first attribute list declaration of a document type:
 // Qt's reader adds its defaults to every start tag of the element, at a cost
-// of their count squared, and no record is written with a document type. Quotes in comments, CDATA sections, processing instructions and
-// the document type declaration are not attributes; attribute values may hold
-// any character but their own quote. The text may come in pieces of any size.
+// of their count squared, and no record is written with a document type. Quotes in comments, CDATA sections, processing
+// instructions and the document type declaration are not attributes; attribute values may hold any character but their
+// own quote. The text may come in pieces of any size.
 class AttributeGuard {
 public:
     // Scans the next `size` bytes of a document given as bytes; the encoding
@@ -44,26 +44,26 @@ private:
 
     enum class State : quint8 {
         Text,
-        Open,            // after '<'
-        StartTag,        // between a start tag's name and attributes
-        Value,           // inside a quoted attribute value
+        Open,      // after '<'
+        StartTag,  // between a start tag's name and attributes
+        Value,     // inside a quoted attribute value
         EndTag,
-        Bang,            // after "<!"
-        BangDash,        // after "<!-"
+        Bang,      // after "<!"
+        BangDash,  // after "<!-"
         Comment,
         CommentDash,
         CommentDashDash,
         CData,
         CDataBracket,
         CDataBracketBracket,
-        Instruction,          // inside "<?...?>"
+        Instruction,  // inside "<?...?>"
         InstructionQuestion,
-        Declaration,          // inside "<!DOCTYPE ...>", its internal subset included
-        DeclarationValue,     // a quoted literal inside it
-        DeclarationOpen,      // '<' inside the internal subset
+        Declaration,       // inside "<!DOCTYPE ...>", its internal subset included
+        DeclarationValue,  // a quoted literal inside it
+        DeclarationOpen,   // '<' inside the internal subset
         DeclarationBang,
         DeclarationBangDash,
-        DeclarationKeyword,   // "<!A..." inside the internal subset, maybe "<!ATTLIST"
+        DeclarationKeyword,  // "<!A..." inside the internal subset, maybe "<!ATTLIST"
     };
     enum class Stop : quint8 { None, Attributes, AttributeList };
 
@@ -76,7 +76,7 @@ private:
     State m_resume = State::Text;  // where a comment or an instruction returns to
     char32_t m_quote = 0;
     int m_attributes = 0;
-    int m_depth = 0;  // of brackets in a document type declaration
+    int m_depth = 0;    // of brackets in a document type declaration
     int m_matched = 0;  // characters of "ATTLIST" matched so far
     Stop m_stop = Stop::None;
 

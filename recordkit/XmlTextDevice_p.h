@@ -35,9 +35,9 @@ protected:
 
 private:
     const QString& m_text;
-    int m_encoded = 0;       // characters of the text encoded so far
-    QByteArray m_piece;      // the bytes of the last piece encoded
-    int m_served = 0;        // of m_piece
+    int m_encoded = 0;   // characters of the text encoded so far
+    QByteArray m_piece;  // the bytes of the last piece encoded
+    int m_served = 0;    // of m_piece
 };
 
 }  // namespace RECORDKIT

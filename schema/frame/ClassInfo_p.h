@@ -96,10 +96,10 @@ struct FieldInfo {
 // The schema version that a root class carries beside its properties: written
 // first in every form, compared with the version of what is read (the version gate).
 struct VersionInfo {
-    const QString* text;        // the version of this library's schema
-    quint32 tag;                // of the version's record in the tagged form
-    quint16 offset;             // QString member holding the version
-    quint16 loadedOffset;       // QString member holding the version last read
+    const QString* text;   // the version of this library's schema
+    quint32 tag;           // of the version's record in the tagged form
+    quint16 offset;        // QString member holding the version
+    quint16 loadedOffset;  // QString member holding the version last read
 };
 
 // The description of one class: everything the runtime needs to handle it.
@@ -110,8 +110,8 @@ struct ClassInfo {
     const FieldInfo* fields;  // in the order of writing (XML and tagged form)
     const quint8* byBit;      // row index of each presence bit, bit 0 first
     quint8 fieldCount;
-    bool leaf;         // attributes and text content, no child elements
-    bool hasChildren;  // a child or list field: flag and logger are handed down
+    bool leaf;                   // attributes and text content, no child elements
+    bool hasChildren;            // a child or list field: flag and logger are handed down
     const VersionInfo* version;  // the root's version, null for other classes
     Payload* (*createPayload)();
 

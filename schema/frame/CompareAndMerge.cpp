@@ -82,7 +82,6 @@ bool Internal::equal(const Record& a, const Record& b)
     return true;
 }
 
-
 // --- Merge ---------------------------------------------------------------------------
 
 void Internal::merge(Record& target, const Record& source)

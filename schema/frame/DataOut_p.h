@@ -21,9 +21,8 @@ namespace Frame {
 class DataOut {
 public:
     explicit DataOut(QDataStream& stream)
-        : m_stream(stream),
-          m_gathered(stream.device() && stream.version() >= QDataStream::Qt_4_6 &&
-                     stream.floatingPointPrecision() == QDataStream::DoublePrecision),
+        : m_stream(stream), m_gathered(stream.device() && stream.version() >= QDataStream::Qt_4_6 &&
+                                       stream.floatingPointPrecision() == QDataStream::DoublePrecision),
           m_swap((stream.byteOrder() == QDataStream::BigEndian) != (Q_BYTE_ORDER == Q_BIG_ENDIAN)),
           m_base(stream.device() ? stream.device()->pos() : 0)
     {

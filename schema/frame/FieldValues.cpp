@@ -40,10 +40,7 @@ const QString* Internal::enumName(const EnumInfo& names, quint8 value)
     return index >= 0 && index < names.names->size() ? &names.names->at(index) : nullptr;
 }
 
-bool Internal::enumValid(const FieldInfo& f, quint8 value)
-{
-    return enumName(f.enumInfo(), value) != nullptr;
-}
+bool Internal::enumValid(const FieldInfo& f, quint8 value) { return enumName(f.enumInfo(), value) != nullptr; }
 
 // The index of `name` in the field's name list, 0xFF if it is not there, for
 // a name held in any of Qt's string types.

@@ -10,7 +10,8 @@ static void reportIncompleteItem(Record& owner, const FieldInfo& f)
     // The item's class name; for a list of enumeration values, the enumeration's name.
     const QString& item = f.kind == Kind::List ? f.listOps().itemName() : *f.name;
     IncompleteDefinitionException e(
-        owner.GetObjectName() + QStringLiteral(": Tried to append not completely defined or invalid item %1.").arg(item));
+        owner.GetObjectName() +
+        QStringLiteral(": Tried to append not completely defined or invalid item %1.").arg(item));
     Internal::report(owner, e);
 }
 
@@ -37,9 +38,7 @@ void Internal::appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, qu
 }
 
 Internal::PendingItem::PendingItem(Record& owner, Payload& payload, const FieldInfo& field)
-    : m_owner(owner),
-      m_payload(payload),
-      m_field(field),
+    : m_owner(owner), m_payload(payload), m_field(field),
       m_item(field.listOps().appendDefault(Internal::field(payload, field)))
 {
     Internal::adopt(owner, m_item);

@@ -50,8 +50,8 @@ struct ListOpsFor {
         static const QString name = C::GetStaticObjectName();
         return name;
     }
-    static constexpr ListOps ops = {&C::StaticClassInfo, &size, &at, &cat, &reserve, &appendDefault,
-                                    &append, &removeLast, &clear, &trim, &itemName};
+    static constexpr ListOps ops = {&C::StaticClassInfo, &size,  &at,   &cat,     &reserve, &appendDefault, &append,
+                                    &removeLast,         &clear, &trim, &itemName};
 };
 
 template <class E>

@@ -121,7 +121,6 @@ bool Internal::enumValid(const Record& r, int bit, quint8 value)
     return Internal::enumValid(r.GetClassInfo().field(bit), value);
 }
 
-
 bool Internal::equals(const Record& a, const Record& b) { return Internal::equal(a, b); }
 
 }  // namespace Frame

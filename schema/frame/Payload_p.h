@@ -42,10 +42,7 @@ namespace Internal {
 // pointer, and the base layer's logger and reporting.
 struct RecordAccess : Record {
     static Payload*& slot(const Record& r) { return payloadSlot(r); }
-    static const std::shared_ptr<RECORDKIT::Logger>& loggerOf(const Record& r)
-    {
-        return (r.*&RecordAccess::logger)();
-    }
+    static const std::shared_ptr<RECORDKIT::Logger>& loggerOf(const Record& r) { return (r.*&RecordAccess::logger)(); }
     static void trace(const Record& r, RECORDKIT::LogLevel level, const RKException& e)
     {
         (r.*&RecordAccess::Trace)(level, e);

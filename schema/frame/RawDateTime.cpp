@@ -70,10 +70,7 @@ const QSet<QByteArray>& listedZoneIds()
     return ids;
 }
 
-bool isListedZoneId(const QString& id)
-{
-    return isWellFormedZoneId(id) && listedZoneIds().contains(id.toUtf8());
-}
+bool isListedZoneId(const QString& id) { return isWellFormedZoneId(id) && listedZoneIds().contains(id.toUtf8()); }
 
 // The zone that follows a date in Qt::TimeZone; an invalid QTimeZone when the
 // zone is refused. All bytes of the zone are consumed in either case.
@@ -116,9 +113,7 @@ void readRawDateTime(QDataStream& stream, QDateTime& value)
     stream >> date >> time >> timeKind;
     switch (timeKind) {
     case Qt::LocalTime:
-    case Qt::UTC:
-        value = QDateTime(date, time, Qt::TimeSpec(timeKind));
-        return;
+    case Qt::UTC: value = QDateTime(date, time, Qt::TimeSpec(timeKind)); return;
     case Qt::OffsetFromUTC: {
         qint32 offset = 0;
         stream >> offset;

@@ -17,8 +17,7 @@ Record::Record(const ClassInfo& info)
     m_classId = info.id;
 }
 
-Record::Record(const Record& other, const ClassInfo& info)
-    : IRKObject(other.GetObjectType()), d(other.d)
+Record::Record(const Record& other, const ClassInfo& info) : IRKObject(other.GetObjectType()), d(other.d)
 {
     if (d)
         d->ref.ref();
@@ -70,7 +69,8 @@ void Record::SetValidate(bool validate) const
 {
     IRKObject::SetValidate(validate);
     if (Payload* p = Internal::existing(*this))
-        Internal::forEachChildRecord(*p, GetClassInfo(), [validate](const Record& child) { child.SetValidate(validate); });
+        Internal::forEachChildRecord(*p, GetClassInfo(),
+                                     [validate](const Record& child) { child.SetValidate(validate); });
 }
 
 void Record::SetLogger(std::shared_ptr<RECORDKIT::Logger> logger) const

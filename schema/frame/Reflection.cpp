@@ -78,10 +78,7 @@ bool IsFieldSet(const Record& record, const FieldInfo& field)
     return p && p->test(field.bit);
 }
 
-QString FieldText(const Record& record, const FieldInfo& field)
-{
-    return fieldText(Internal::payload(record), field);
-}
+QString FieldText(const Record& record, const FieldInfo& field) { return fieldText(Internal::payload(record), field); }
 
 double FieldDouble(const Record& record, const FieldInfo& field)
 {
@@ -111,7 +108,8 @@ const Record& ItemOf(const Record& record, const FieldInfo& field, int index)
 QString EnumItemText(const Record& record, const FieldInfo& field, int index)
 {
     const EnumListInfo& values = field.enumListInfo();
-    const QString* name = Internal::enumName(values.names, values.at(Internal::field(Internal::payload(record), field), index));
+    const QString* name = Internal::enumName(values.names,
+                                             values.at(Internal::field(Internal::payload(record), field), index));
     return name ? *name : QString();
 }
 

@@ -141,7 +141,10 @@ void appendEnumValue(Record& owner, Payload& p, const FieldInfo& f, quint8 value
 // --- Version gate of a root class (VersionGate.cpp) ---------------------------------------
 // The version of the schema that the payload carries, and the version of what was last read.
 inline QString& schemaVersionOf(Payload& p, const VersionInfo& v) { return *static_cast<QString*>(at(p, v.offset)); }
-inline QString& loadedVersionOf(Payload& p, const VersionInfo& v) { return *static_cast<QString*>(at(p, v.loadedOffset)); }
+inline QString& loadedVersionOf(Payload& p, const VersionInfo& v)
+{
+    return *static_cast<QString*>(at(p, v.loadedOffset));
+}
 // Keeps the version of what is read and clears the record when it is older than the schema.
 void versionGate(Record& r, Payload& p, const QString& loaded);
 // True when the version last read is not older than the schema.
@@ -165,7 +168,6 @@ void readRaw(Record& r, QDataStream& stream);
 void readRaw(Record& r, DataIn& in);
 
 }  // namespace Internal
-
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

@@ -3,13 +3,13 @@
 // is written as a placeholder and patched once its payload is complete: among
 // the bytes still gathered, or else by seeking back on the device.
 
-#include <EmitterDossierDoc/recordkit/Converters.h>
 #include "schema/frame/DataIn_p.h"
 #include "schema/frame/DataOut_p.h"
 #include "schema/frame/Limits_p.h"
 #include "schema/frame/Runtime_p.h"
 #include "schema/frame/TaggedWalk_p.h"
 #include "schema/frame/TextForms_p.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -270,12 +270,8 @@ void Internal::readTagged(Record& r, DataIn& in, qint64 length)
             value<double>(p, *f) = readDouble(in);
             p.set(f->bit);
             break;
-        case Kind::Enum:
-            storeEnum(r, p, *f, readEnumIndex(in, *f));
-            break;
-        case Kind::Text:
-            storeText(r, p, *f, readText(in));
-            break;
+        case Kind::Enum: storeEnum(r, p, *f, readEnumIndex(in, *f)); break;
+        case Kind::Text: storeText(r, p, *f, readText(in)); break;
         case Kind::DateTime:
             value<QDateTime>(p, *f) = Converters::ToDateTime(readText(in));
             p.set(f->bit);
@@ -295,12 +291,8 @@ void Internal::readTagged(Record& r, DataIn& in, qint64 length)
             readTagged(child(p, *f), in, size);
             p.set(f->bit);
             break;
-        case Kind::List:
-            readTaggedList(r, p, *f, in, qMin<qint64>(size, head.room));
-            break;
-        case Kind::EnumList:
-            readTaggedEnumList(r, p, *f, in, qMin<qint64>(size, head.room));
-            break;
+        case Kind::List: readTaggedList(r, p, *f, in, qMin<qint64>(size, head.room)); break;
+        case Kind::EnumList: readTaggedEnumList(r, p, *f, in, qMin<qint64>(size, head.room)); break;
         }
         return true;
     });

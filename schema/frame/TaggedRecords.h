@@ -22,7 +22,7 @@ namespace Frame {
 
 // One record of a block.
 struct TaggedRecord {
-    qint64 offset = 0;                 // of its tag word, in the bytes walked
+    qint64 offset = 0;  // of its tag word, in the bytes walked
     quint32 tag = 0;
     qint32 length = 0;                 // of its payload, as its length word states it
     const FieldInfo* field = nullptr;  // the field of the tag; null for the version record and unknown tags

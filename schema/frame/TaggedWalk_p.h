@@ -13,10 +13,10 @@ namespace Frame {
 // The head of one record, read and placed.
 struct TaggedHead {
     quint32 tag = 0;
-    qint32 size = 0;             // as the length word states it
-    qint64 room = 0;             // what the block has left for the payload
+    qint32 size = 0;                   // as the length word states it
+    qint64 room = 0;                   // what the block has left for the payload
     const FieldInfo* field = nullptr;  // the field of the tag; null for the version record and unknown tags
-    bool version = false;        // the version record of a root
+    bool version = false;              // the version record of a root
 };
 
 // Why a walk ended.
@@ -30,7 +30,7 @@ enum class TaggedWalkEnd : quint8 {
 struct TaggedWalk {
     qint64 remaining = 0;  // of the block's stated length; 0 when the records add up to it
     TaggedWalkEnd end = TaggedWalkEnd::Done;
-    TaggedHead head;       // the last record read
+    TaggedHead head;  // the last record read
 };
 
 inline const FieldInfo* taggedField(const ClassInfo& info, quint32 tag)

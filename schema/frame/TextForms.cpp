@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include <EmitterDossierDoc/recordkit/Converters.h>
 #include "schema/frame/Runtime_p.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {

@@ -19,7 +19,6 @@ bool Internal::claimsCurrentVersion(Payload& p, const VersionInfo& v)
     return loadedVersionOf(p, v).toFloat() >= schemaVersionOf(p, v).toFloat();
 }
 
-
 const QString& Internal::schemaVersion(const Record& r)
 {
     return schemaVersionOf(payload(r), *r.GetClassInfo().version);

@@ -1,9 +1,9 @@
 // The XML form: a leaf element (attributes and text content) or a branch
 // element (attributes and child elements), by the class's field table.
 
-#include <EmitterDossierDoc/recordkit/Converters.h>
 #include "schema/frame/Runtime_p.h"
 #include "schema/frame/TextForms_p.h"
+#include <EmitterDossierDoc/recordkit/Converters.h>
 
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
@@ -18,8 +18,8 @@ static const QString& versionAttribute()
 
 static void reportMissing(const Record& r, const FieldInfo& f)
 {
-    IncompleteDefinitionException e(QStringLiteral("Parameters for %1 are not set properly in '%2'.")
-                                        .arg(*f.name, r.GetObjectName()));
+    IncompleteDefinitionException e(
+        QStringLiteral("Parameters for %1 are not set properly in '%2'.").arg(*f.name, r.GetObjectName()));
     Internal::report(r, e);
 }
 
@@ -36,9 +36,7 @@ static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
     char digits[DoubleTextCapacity];
     int n = -1;
     switch (f.kind) {
-    case Kind::Double:
-        n = doubleTextFast(Internal::value<double>(p, f), digits);
-        break;
+    case Kind::Double: n = doubleTextFast(Internal::value<double>(p, f), digits); break;
     case Kind::UInt64: {
         char reversed[20];
         int count = 0;
@@ -51,14 +49,12 @@ static const QString& textOf(Payload& p, const FieldInfo& f, TextRoom& room)
             digits[n] = reversed[count - 1 - n];
         break;
     }
-    case Kind::Text:
-        return Internal::value<QString>(p, f);
+    case Kind::Text: return Internal::value<QString>(p, f);
     case Kind::Enum:
         if (const QString* name = Internal::enumName(f.enumInfo(), Internal::value<quint8>(p, f)))
             return *name;
         break;
-    default:
-        break;
+    default: break;
     }
     if (n < 0) {
         room.other = fieldText(p, f);
@@ -164,17 +160,12 @@ static void storeBool(Record& r, Payload& p, const FieldInfo& f, const QString& 
 static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStringRef& text, bool fromAttribute)
 {
     switch (f.kind) {
-    case Kind::Double:
-        Internal::value<double>(p, f) = text.toDouble();
-        break;
+    case Kind::Double: Internal::value<double>(p, f) = text.toDouble(); break;
     case Kind::UInt64:
         Internal::value<quint64>(p, f) = fromAttribute ? text.toULongLong() : quint64(text.toLongLong());
         break;
-    case Kind::Enum:
-        Internal::storeEnum(r, p, f, Internal::enumIndex(f, text));
-        return true;
-    default:
-        return false;
+    case Kind::Enum: Internal::storeEnum(r, p, f, Internal::enumIndex(f, text)); return true;
+    default: return false;
     }
     p.set(f.bit);
     return true;
@@ -186,18 +177,13 @@ static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QStri
     if (storeFromRef(r, p, f, QStringRef(&text), fromAttribute))
         return;
     switch (f.kind) {
-    case Kind::Bool:
-        storeBool(r, p, f, text);
-        return;
-    case Kind::Text:
-        Internal::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text);
-        return;
+    case Kind::Bool: storeBool(r, p, f, text); return;
+    case Kind::Text: Internal::storeText(r, p, f, text.isNull() ? QStringLiteral("") : text); return;
     case Kind::DateTime:
         Internal::value<QDateTime>(p, f) = Converters::ToDateTime(text);
         p.set(f.bit);
         return;
-    default:
-        return;
+    default: return;
     }
 }
 
@@ -234,17 +220,11 @@ static const QString& numberText(QXmlStreamReader& reader)
     for (;;) {
         switch (reader.readNext()) {
         case QXmlStreamReader::Characters:
-        case QXmlStreamReader::EntityReference:
-            text.append(reader.text());
-            break;
-        case QXmlStreamReader::EndElement:
-            return text;
+        case QXmlStreamReader::EntityReference: text.append(reader.text()); break;
+        case QXmlStreamReader::EndElement: return text;
         case QXmlStreamReader::ProcessingInstruction:
-        case QXmlStreamReader::Comment:
-            break;
-        case QXmlStreamReader::StartElement:
-            reader.skipCurrentElement();
-            break;
+        case QXmlStreamReader::Comment: break;
+        case QXmlStreamReader::StartElement: reader.skipCurrentElement(); break;
         default:
             if (reader.hasError())
                 return text;

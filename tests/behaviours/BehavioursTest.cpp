@@ -46,13 +46,15 @@ PulseWidthItem pulseWidthItem(quint64 id, double value)
 
 TEST(BehaviourItems, XmlWritesAttributesInOrderWithoutLookingAtBits)
 {
-    EXPECT_EQ(FrequencyItem().GetXmlString(), document(QStringLiteral("<FrequencyItem id=\"0\" unit=\"\">0.00</FrequencyItem>")));
+    EXPECT_EQ(FrequencyItem().GetXmlString(),
+              document(QStringLiteral("<FrequencyItem id=\"0\" unit=\"\">0.00</FrequencyItem>")));
     EXPECT_EQ(PRIItem().GetXmlString(),
               document(QStringLiteral("<PRIItem id=\"0\" pRIValType=\"\" unit=\"\">0.00</PRIItem>")));
     EXPECT_EQ(priItem(3, 1, 1000.25).GetXmlString(),
               document(QStringLiteral("<PRIItem id=\"3\" pRIValType=\"Group\" unit=\"ns\">1000.25</PRIItem>")));
     EXPECT_EQ(frequencyItem(MaxId, 9400000000.127).GetXmlString(),
-              document(QStringLiteral("<FrequencyItem id=\"18446744073709551615\" unit=\"Hz\">9400000000.13</FrequencyItem>")));
+              document(QStringLiteral(
+                  "<FrequencyItem id=\"18446744073709551615\" unit=\"Hz\">9400000000.13</FrequencyItem>")));
     EXPECT_EQ(pulseWidthItem(0, -1).GetXmlString(),
               document(QStringLiteral("<PulseWidthItem id=\"0\" unit=\"ns\">-1.00</PulseWidthItem>")));
 }
@@ -125,7 +127,8 @@ TEST(BehaviourItems, TaggedAndRawLayouts)
     const QByteArray idRecord = hex("2767dd53 00000008 0000000000000005");
     const QByteArray unitRecord = hex("a5b3acfc 00000006 00000002 6e73");
     const QByteArray valueRecord = hex("8aff57b3 0000000a 00000006 3235302e3530");
-    EXPECT_EQ(tagged(pulseWidthItem(5, 250.5), 0x0e4483dc), hex("0e4483dc 00000030") + idRecord + unitRecord + valueRecord);
+    EXPECT_EQ(tagged(pulseWidthItem(5, 250.5), 0x0e4483dc),
+              hex("0e4483dc 00000030") + idRecord + unitRecord + valueRecord);
     EXPECT_EQ(raw(pulseWidthItem(5, 250.5)), hex("07 0000000000000005 00 406f500000000000"));
 
     // Mandatory fields go out whatever their bits say.
@@ -146,8 +149,9 @@ TEST(BehaviourLists, AppendRefusesIncompleteItemsWithValidationOn)
     pris.SetValidate(true);
     PRIItem noUnit = priItem(1, 1, 2);
     noUnit.Resetunit();
-    expectRaised<IncompleteDefinitionException>([&] { pris.AppendPRIItem(noUnit); },
-                                                QStringLiteral("PRIList: Tried to append not completely defined or invalid item PRIItem."));
+    expectRaised<IncompleteDefinitionException>(
+        [&] { pris.AppendPRIItem(noUnit); },
+        QStringLiteral("PRIList: Tried to append not completely defined or invalid item PRIItem."));
     EXPECT_FALSE(pris.IsPRIItemSet());
     EXPECT_TRUE(pris.GetPRIItem().isEmpty());
 
@@ -182,19 +186,22 @@ TEST(BehaviourLists, ChecksAndWritersReportTheItem)
     widths.Check(true);
     ASSERT_EQ(logger->entries.size(), 3);
     EXPECT_EQ(logger->entries[0].message, QStringLiteral("FrequencyList: Please set FrequencyItem properly."));
-    EXPECT_EQ(logger->entries[1].message, QStringLiteral("ChannelSpacingList: Please set ChannelSpacingItem properly."));
+    EXPECT_EQ(logger->entries[1].message,
+              QStringLiteral("ChannelSpacingList: Please set ChannelSpacingItem properly."));
     EXPECT_EQ(logger->entries[2].message, QStringLiteral("PulseWidthList: Please set PulseWidthItem properly."));
 
     PRIList pris;
     pris.SetPRIItem({priItem(1, 0, 2), PRIItem()});
     auto listLogger = attachLogger(pris);
-    EXPECT_EQ(pris.GetXmlString(), document(QStringLiteral("<PRIList>\n"
-                                                           "  <PRIItem id=\"1\" pRIValType=\"Pulse\" unit=\"ns\">2.00</PRIItem>\n"
-                                                           "  <PRIItem id=\"0\" pRIValType=\"\" unit=\"\">0.00</PRIItem>\n"
-                                                           "</PRIList>")));
+    EXPECT_EQ(pris.GetXmlString(),
+              document(QStringLiteral("<PRIList>\n"
+                                      "  <PRIItem id=\"1\" pRIValType=\"Pulse\" unit=\"ns\">2.00</PRIItem>\n"
+                                      "  <PRIItem id=\"0\" pRIValType=\"\" unit=\"\">0.00</PRIItem>\n"
+                                      "</PRIList>")));
     ASSERT_EQ(listLogger->entries.size(), 1);
     EXPECT_EQ(listLogger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(listLogger->entries[0].message, QStringLiteral("Parameters for PRIItem are not set properly in 'PRIList'."));
+    EXPECT_EQ(listLogger->entries[0].message,
+              QStringLiteral("Parameters for PRIItem are not set properly in 'PRIList'."));
 
     // With the flag on the item's own Check fails before anything is written.
     pris.SetValidate(true);
@@ -260,7 +267,8 @@ TEST(Behaviours, EnumerationReports)
                                       QStringLiteral("enum is not valid (classname=PRIBehavior,membername=m_pRIType)"));
     FrequencyBehavior f;
     f.SetFrequencyType(FrequencyBehavior::FrequencyType(13));  // flag off: stored
-    expectRaised<OutOfRangeException>([&] { f.Check(); }, QStringLiteral("FrequencyBehavior: Please set FrequencyType properly."));
+    expectRaised<OutOfRangeException>([&] { f.Check(); },
+                                      QStringLiteral("FrequencyBehavior: Please set FrequencyType properly."));
     PulseWidthBehavior w;
     w.SetValidate(true);
     expectRaised<OutOfRangeException>(
@@ -314,16 +322,17 @@ TEST(Behaviours, XmlOfAFilledPRIBehavior)
     p.SetPRIType(p.NameToPRIType(QStringLiteral("Stagger")));
     p.SetPeriodicityPRIID(7);
     p.GetPRIList().AppendPRIItem(priItem(7, 0, 2.5));
-    EXPECT_EQ(p.GetXmlString(), document(QStringLiteral("<PRIBehavior>\n"
-                                                       "  <PRI unit=\"ns\">\n"
-                                                       "    <Mean>2.50</Mean>\n"
-                                                       "  </PRI>\n"
-                                                       "  <PRIType>Stagger</PRIType>\n"
-                                                       "  <PeriodicityPRIID>7</PeriodicityPRIID>\n"
-                                                       "  <PRIList>\n"
-                                                       "    <PRIItem id=\"7\" pRIValType=\"Pulse\" unit=\"ns\">2.50</PRIItem>\n"
-                                                       "  </PRIList>\n"
-                                                       "</PRIBehavior>")));
+    EXPECT_EQ(p.GetXmlString(),
+              document(QStringLiteral("<PRIBehavior>\n"
+                                      "  <PRI unit=\"ns\">\n"
+                                      "    <Mean>2.50</Mean>\n"
+                                      "  </PRI>\n"
+                                      "  <PRIType>Stagger</PRIType>\n"
+                                      "  <PeriodicityPRIID>7</PeriodicityPRIID>\n"
+                                      "  <PRIList>\n"
+                                      "    <PRIItem id=\"7\" pRIValType=\"Pulse\" unit=\"ns\">2.50</PRIItem>\n"
+                                      "  </PRIList>\n"
+                                      "</PRIBehavior>")));
 }
 
 TEST(Behaviours, FilledBehavioursRoundTripThroughAllForms)

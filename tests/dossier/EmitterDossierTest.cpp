@@ -115,8 +115,8 @@ TEST(EmitterDossier, UnknownElementInCurrentInputIsReportedAndEntered)
     EmitterDossier strict;
     strict.SetValidate(true);
     auto strictLogger = attachLogger(strict);
-    EXPECT_FALSE(strict.SetXmlString(
-        QStringLiteral("<EmitterDossier Version=\"1.8\"><Extra/></EmitterDossier>"), false));
+    EXPECT_FALSE(
+        strict.SetXmlString(QStringLiteral("<EmitterDossier Version=\"1.8\"><Extra/></EmitterDossier>"), false));
     ASSERT_FALSE(strictLogger->entries.isEmpty());
     EXPECT_EQ(strictLogger->entries[0].level, RECORDKIT::ERROR);
     EXPECT_EQ(strictLogger->entries[0].message, QStringLiteral("Unknown Tag 'Extra' in 'EmitterDossier'."));
@@ -282,11 +282,13 @@ TEST(DetectionPosition, LatitudeAndLongitudeAreBothNeeded)
     EXPECT_EQ(logger->entries[0].message,
               QStringLiteral("Parameters for Longitude are not set properly in 'DetectionPosition'."));
     // Check walks both always.
-    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Longitude: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }),
+              QStringLiteral("Longitude: Please set unit properly."));
 
     p.SetLongitude(unitScalar<Longitude>(10));
     p.SetAltitude(Altitude());
-    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }), QStringLiteral("Altitude: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { p.Check(); }),
+              QStringLiteral("Altitude: Please set unit properly."));
 }
 
 TEST(DetectionPosition, RawReaderTakesTheMandatoryChildrenWithoutTheirBits)
@@ -320,7 +322,8 @@ TEST(Bearing, UnitAloneIsDataAndAnglesAloneAreNot)
                                                                  "  <Azimuth>90.00</Azimuth>\n"
                                                                  "  <ElevationTol>0.50</ElevationTol>\n"
                                                                  "</Bearing>\n"));
-    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { angles.Check(); }), QStringLiteral("Bearing: Please set unit properly."));
+    EXPECT_EQ(raisedMessage<OutOfRangeException>([&] { angles.Check(); }),
+              QStringLiteral("Bearing: Please set unit properly."));
 
     // The unit may come as an element too; the raw form has it last.
     Bearing read;

@@ -51,11 +51,13 @@ TEST(FilesRecord, NothingIsMandatoryAndEmptyObjectsWriteEmptyElements)
     EXPECT_EQ(logger->entries[0].message, QStringLiteral("Files: Please set PDWFileName properly (origin: Setter)."));
     EXPECT_TRUE(nullName.IsPDWFileNameSet());
     EXPECT_FALSE(nullName.AnyData());  // a bit alone is no data
-    expectRaised<OutOfRangeException>([&] { nullName.Check(); }, QStringLiteral("Files: Please set PDWFileName properly."));
+    expectRaised<OutOfRangeException>([&] { nullName.Check(); },
+                                      QStringLiteral("Files: Please set PDWFileName properly."));
     AdditionalRecording strict;
     strict.SetValidate(true);
     expectRaised<OutOfRangeException>([&] { strict.SetWBIQFileName(QString()); },
-                                      QStringLiteral("AdditionalRecording: Please set WBIQFileName properly (origin: Setter)."));
+                                      QStringLiteral(
+                                          "AdditionalRecording: Please set WBIQFileName properly (origin: Setter)."));
     EXPECT_FALSE(strict.IsWBIQFileNameSet());
 }
 
@@ -78,7 +80,9 @@ TEST(FilesRecord, WideBandFileIsTextUnderFilesAndAnObjectUnderTheSource)
 
     // The "type" attribute is dropped under Files and taken under OriginalSource.
     Files readFiles;
-    ASSERT_TRUE(readFiles.SetXmlString(QStringLiteral("<Files><WBIQFileName type=\"Vita49\">b.iq</WBIQFileName></Files>"), false));
+    ASSERT_TRUE(
+        readFiles.SetXmlString(QStringLiteral("<Files><WBIQFileName type=\"Vita49\">b.iq</WBIQFileName></Files>"),
+                               false));
     EXPECT_EQ(readFiles.GetWBIQFileName(), QStringLiteral("b.iq"));
     EXPECT_EQ(readFiles.GetXmlString(), document("<Files>\n  <WBIQFileName>b.iq</WBIQFileName>\n</Files>"));
     OriginalSource readSource;
@@ -119,8 +123,10 @@ TEST(FilesWideBandObject, EmptyTextCaseSensitiveTypeAndChecks)
     EXPECT_EQ(lower.Gettype(), 0xFF);
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("enum is not valid (classname=WBIQFileName,membername=m_type)"));
-    expectRaised<OutOfRangeException>([&] { lower.Check(); }, QStringLiteral("WBIQFileName: Please set type properly."));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("enum is not valid (classname=WBIQFileName,membername=m_type)"));
+    expectRaised<OutOfRangeException>([&] { lower.Check(); },
+                                      QStringLiteral("WBIQFileName: Please set type properly."));
 
     // The child's own fault comes through only while its bit is set.
     OriginalSource o;
@@ -137,7 +143,8 @@ TEST(FilesSelection, UnitIsWrittenFirstInTextFormsAndLastInRaw)
     s.Setunit(Selection::unit(0));
     s.SetStart(1.005);
     s.SetStop(2.5);
-    EXPECT_EQ(s.GetXmlString(), document("<Selection unit=\"ns\">\n  <Start>1.00</Start>\n  <Stop>2.50</Stop>\n</Selection>"));
+    EXPECT_EQ(s.GetXmlString(),
+              document("<Selection unit=\"ns\">\n  <Start>1.00</Start>\n  <Stop>2.50</Stop>\n</Selection>"));
     EXPECT_EQ(tagged(s, 0x621931df), hex("621931df 0000002e a5b3acfc 00000006 00000002 6e73"
                                          "0a4826f3 00000008 00000004 312e3030 6d033520 00000008 00000004 322e3530"));
     EXPECT_EQ(raw(s), (Bytes() << quint8(0x07) << 1.005 << 2.5 << qint8(0)).bytes());
@@ -153,7 +160,8 @@ TEST(FilesSelection, UnitIsWrittenFirstInTextFormsAndLastInRaw)
 
     // The unit as an element; a stop before the start passes.
     Selection fromElements;
-    ASSERT_TRUE(fromElements.SetXmlString(QStringLiteral("<Selection><unit>ns</unit><Start>5</Start><Stop>2</Stop></Selection>"), false));
+    ASSERT_TRUE(fromElements.SetXmlString(
+        QStringLiteral("<Selection><unit>ns</unit><Start>5</Start><Stop>2</Stop></Selection>"), false));
     EXPECT_TRUE(fromElements.IsunitSet());
     EXPECT_TRUE(fromElements.HasData());
     EXPECT_NO_THROW(fromElements.Check());
@@ -189,7 +197,8 @@ TEST(FilesScreenshots, ListRefusesIncompleteScreenshotsWithValidationOn)
     EXPECT_EQ(lenient.GetScreenshot().size(), 1);
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    expectRaised<OutOfRangeException>([&] { lenient.Check(); }, QStringLiteral("Screenshot: Please set Comment properly."));
+    expectRaised<OutOfRangeException>([&] { lenient.Check(); },
+                                      QStringLiteral("Screenshot: Please set Comment properly."));
 
     // An empty comment is a comment.
     ScreenshotList list;

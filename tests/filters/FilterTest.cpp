@@ -22,7 +22,8 @@ Filter named(const char* name, const char* comments)
 }
 
 using Kind = Modulations::Modulation;
-const QString AppendRefused = QStringLiteral("Modulations: Tried to append not completely defined or invalid item Modulation.");
+const QString AppendRefused = QStringLiteral(
+    "Modulations: Tried to append not completely defined or invalid item Modulation.");
 
 // The messages a logger received, in order.
 QStringList messages(const RecordingLogger& logger)
@@ -35,7 +36,8 @@ QStringList messages(const RecordingLogger& logger)
 
 QString withIsPulse(const char* text)
 {
-    return QStringLiteral("<Filter><Name>n</Name><Comments>c</Comments><IsPulse>%1</IsPulse></Filter>").arg(QString::fromUtf8(text));
+    return QStringLiteral("<Filter><Name>n</Name><Comments>c</Comments><IsPulse>%1</IsPulse></Filter>")
+        .arg(QString::fromUtf8(text));
 }
 
 }  // namespace
@@ -44,7 +46,8 @@ TEST(FilterRecord, NameAndCommentsAreWrittenWhetherSetOrNot)
 {
     Filter blank;
     EXPECT_EQ(blank.GetXmlString(), document("<Filter>\n  <Name></Name>\n  <Comments></Comments>\n</Filter>"));
-    EXPECT_EQ(tagged(blank, 0x421c474b), hex("421c474b 00000018 8c9fbca8 00000004 ffffffff 8f63d01c 00000004 ffffffff"));
+    EXPECT_EQ(tagged(blank, 0x421c474b),
+              hex("421c474b 00000018 8c9fbca8 00000004 ffffffff 8f63d01c 00000004 ffffffff"));
     EXPECT_EQ(raw(blank), hex("0000 ffffffff ffffffff"));
 
     Filter f = named("F1", "c");
@@ -59,7 +62,8 @@ TEST(FilterRecord, NameAndCommentsAreWrittenWhetherSetOrNot)
     noComments.GetPRT().SetMin(1);
     noComments.SetValidate(true);
     EXPECT_FALSE(noComments.HasData());
-    expectRaised<OutOfRangeException>([&] { noComments.Check(); }, QStringLiteral("Filter: Please set Comments properly."));
+    expectRaised<OutOfRangeException>([&] { noComments.Check(); },
+                                      QStringLiteral("Filter: Please set Comments properly."));
     expectRaised<OutOfRangeException>([&] { noComments.SetComments(QString()); },
                                       QStringLiteral("Filter: Please set Comments properly (origin: Setter)."));
     EXPECT_FALSE(noComments.IsCommentsSet());
@@ -109,7 +113,8 @@ TEST(FilterRecord, BooleanTextsFollowTheReadingRule)
     EXPECT_FALSE(strict.GetIsPulse());
     ASSERT_EQ(strictLog->entries.size(), 1);
     EXPECT_EQ(strictLog->entries[0].level, RECORDKIT::ERROR);
-    EXPECT_EQ(strictLog->entries[0].message, QStringLiteral("Please set a value or a default for the boolean 'IsPulse' in 'Filter'."));
+    EXPECT_EQ(strictLog->entries[0].message,
+              QStringLiteral("Please set a value or a default for the boolean 'IsPulse' in 'Filter'."));
 
     Filter lenient;
     auto lenientLog = attachLogger(lenient);
@@ -118,7 +123,8 @@ TEST(FilterRecord, BooleanTextsFollowTheReadingRule)
     EXPECT_FALSE(lenient.GetIsInvalid());
     ASSERT_EQ(lenientLog->entries.size(), 1);
     EXPECT_EQ(lenientLog->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(lenientLog->entries[0].message, QStringLiteral("Please set a value or a default for the boolean 'IsInvalid' in 'Filter'."));
+    EXPECT_EQ(lenientLog->entries[0].message,
+              QStringLiteral("Please set a value or a default for the boolean 'IsInvalid' in 'Filter'."));
 }
 
 TEST(FilterRecord, ChildrenAreWrittenInBitOrderWhateverTheOrderRead)
@@ -196,7 +202,8 @@ TEST(FilterRecord, AFilterWithEveryConditionRoundTripsThroughEveryForm)
     f.GetPeriodicTOA().SetDuration(2.5);
     f.GetPeriodicTOA().SetPeriod(100);
     f.GetPeriodicTOA().Setinverse(true);
-    f.GetModulations().SetModulation({Modulations::Modulation(7), Modulations::Modulation(2), Modulations::Modulation(7)});
+    f.GetModulations().SetModulation(
+        {Modulations::Modulation(7), Modulations::Modulation(2), Modulations::Modulation(7)});
     f.SetIsPulse(true);
     f.SetIsInvalid(false);
     f.SetValidate(true);
@@ -222,9 +229,11 @@ TEST(FilterRangeConditions, UnitAndInverseComeFirstInTextFormsAndByBitInRaw)
     t.SetMin(1234.567);
     t.SetMax(2000);
     t.Setinverse(true);
-    EXPECT_EQ(t.GetXmlString(), document("<TOA unit=\"ns\" inverse=\"true\">\n  <Min>1234.57</Min>\n  <Max>2000.00</Max>\n</TOA>"));
-    EXPECT_EQ(tagged(t, 0x6a002cf1), hex("6a002cf1 0000003d a5b3acfc 00000006 00000002 6e73 8e817561 00000001 01"
-                                         "4ecb4e58 0000000b 00000007 313233342e3537 6e8dd7f5 0000000b 00000007 323030302e3030"));
+    EXPECT_EQ(t.GetXmlString(),
+              document("<TOA unit=\"ns\" inverse=\"true\">\n  <Min>1234.57</Min>\n  <Max>2000.00</Max>\n</TOA>"));
+    EXPECT_EQ(tagged(t, 0x6a002cf1),
+              hex("6a002cf1 0000003d a5b3acfc 00000006 00000002 6e73 8e817561 00000001 01"
+                  "4ecb4e58 0000000b 00000007 313233342e3537 6e8dd7f5 0000000b 00000007 323030302e3030"));
     EXPECT_EQ(raw(t), (Bytes() << quint8(0x0f) << 1234.567 << 2000.0 << qint8(0) << quint8(1)).bytes());
 
     TOA exact;
@@ -250,15 +259,17 @@ TEST(FilterRangeConditions, LevelUnitsTravelAsUtf8NamesAndRawIndices)
     l.Setunit(Level::unit(1));
     l.SetMin(-90);
     l.SetMax(-10.5);
-    EXPECT_EQ(tagged(l, 0x2bfefac5), hex("2bfefac5 00000035 a5b3acfc 00000009 00000005 6442c2b556"
-                                         "4ecb4e58 0000000a 00000006 2d39302e3030 6e8dd7f5 0000000a 00000006 2d31302e3530"));
+    EXPECT_EQ(tagged(l, 0x2bfefac5),
+              hex("2bfefac5 00000035 a5b3acfc 00000009 00000005 6442c2b556"
+                  "4ecb4e58 0000000a 00000006 2d39302e3030 6e8dd7f5 0000000a 00000006 2d31302e3530"));
     EXPECT_EQ(raw(l), (Bytes() << quint8(0x07) << -90.0 << -10.5 << qint8(1)).bytes());
 
     Level micro;
     readTagged(micro, hex("a5b3acfc 00000009 00000005 6442c2b556"), 17);
     EXPECT_EQ(micro.Getunit(), 1);
     Level fromXml;
-    ASSERT_TRUE(fromXml.SetXmlString(QString::fromUtf8("<Level unit=\"dB\xc2\xb5V\"><Min>1</Min><Max>2</Max></Level>"), false));
+    ASSERT_TRUE(
+        fromXml.SetXmlString(QString::fromUtf8("<Level unit=\"dB\xc2\xb5V\"><Min>1</Min><Max>2</Max></Level>"), false));
     EXPECT_EQ(fromXml.Getunit(), 1);
 
     const QByteArray plainU = hex("a5b3acfc 00000008 00000004 64427556");
@@ -279,26 +290,32 @@ TEST(FilterRangeConditions, LevelUnitsTravelAsUtf8NamesAndRawIndices)
 TEST(FilterRangeConditions, UnitAndInverseAreAlsoReadAsElements)
 {
     AOA a;
-    ASSERT_TRUE(a.SetXmlString(QStringLiteral("<AOA><unit>deg</unit><inverse>0</inverse><Min>10</Min><Max>5</Max></AOA>"), false));
+    ASSERT_TRUE(
+        a.SetXmlString(QStringLiteral("<AOA><unit>deg</unit><inverse>0</inverse><Min>10</Min><Max>5</Max></AOA>"),
+                       false));
     EXPECT_TRUE(a.IsunitSet());
     EXPECT_TRUE(a.IsinverseSet());
     EXPECT_FALSE(a.Getinverse());
     a.SetValidate(true);
     EXPECT_NO_THROW(a.Check());  // Min above Max passes
-    EXPECT_EQ(a.GetXmlString(), document("<AOA unit=\"deg\" inverse=\"false\">\n  <Min>10.00</Min>\n  <Max>5.00</Max>\n</AOA>"));
+    EXPECT_EQ(a.GetXmlString(),
+              document("<AOA unit=\"deg\" inverse=\"false\">\n  <Min>10.00</Min>\n  <Max>5.00</Max>\n</AOA>"));
 
     TOA one;
-    ASSERT_TRUE(one.SetXmlString(QStringLiteral("<TOA unit=\"ns\" inverse=\"1\"><Min>1</Min><Max>2</Max></TOA>"), false));
+    ASSERT_TRUE(
+        one.SetXmlString(QStringLiteral("<TOA unit=\"ns\" inverse=\"1\"><Min>1</Min><Max>2</Max></TOA>"), false));
     EXPECT_TRUE(one.Getinverse());
     TOA empty;
     auto logger = attachLogger(empty);
     empty.Setinverse(true);
-    ASSERT_TRUE(empty.SetXmlString(QStringLiteral("<TOA unit=\"ns\" inverse=\"\"><Min>1</Min><Max>2</Max></TOA>"), false));
+    ASSERT_TRUE(
+        empty.SetXmlString(QStringLiteral("<TOA unit=\"ns\" inverse=\"\"><Min>1</Min><Max>2</Max></TOA>"), false));
     EXPECT_TRUE(empty.IsinverseSet());
     EXPECT_FALSE(empty.Getinverse());
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("Please set a value or a default for the boolean 'inverse' in 'TOA'."));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("Please set a value or a default for the boolean 'inverse' in 'TOA'."));
 
     AOA none;
     auto noneLog = attachLogger(none);
@@ -315,7 +332,8 @@ TEST(FilterPRT, OneLowerBoundAndAMaxElementIsSkipped)
     EXPECT_EQ(p.GetMin(), 4.0);
     p.SetValidate(true);
     EXPECT_EQ(p.GetXmlString(), document("<PRT unit=\"ns\">\n  <Min>4.00</Min>\n</PRT>"));
-    EXPECT_EQ(tagged(p, 0x4c73666e), hex("4c73666e 0000001e a5b3acfc 00000006 00000002 6e73 4ecb4e58 00000008 00000004 342e3030"));
+    EXPECT_EQ(tagged(p, 0x4c73666e),
+              hex("4c73666e 0000001e a5b3acfc 00000006 00000002 6e73 4ecb4e58 00000008 00000004 342e3030"));
     EXPECT_EQ(raw(p), (Bytes() << quint8(0x03) << 4.0 << qint8(0)).bytes());
 
     PRT none;
@@ -343,8 +361,9 @@ TEST(FilterPeriodicTOA, PicosecondWindowsWithADurationOfItsOwn)
     auto logger = attachLogger(none);
     none.Setinverse(true);
     none.Check(true);
-    EXPECT_EQ(messages(*logger), QStringList({"PeriodicTOA: Please set Offset properly.", "PeriodicTOA: Please set Duration properly.",
-                                              "PeriodicTOA: Please set Period properly.", "PeriodicTOA: Please set unit properly."}));
+    EXPECT_EQ(messages(*logger),
+              QStringList({"PeriodicTOA: Please set Offset properly.", "PeriodicTOA: Please set Duration properly.",
+                           "PeriodicTOA: Please set Period properly.", "PeriodicTOA: Please set unit properly."}));
 }
 
 TEST(FilterModulations, RepeatedNamesKeepOrderAndDoublesInEveryForm)
@@ -354,8 +373,9 @@ TEST(FilterModulations, RepeatedNamesKeepOrderAndDoublesInEveryForm)
     m.AppendModulation(Kind(7));
     m.AppendModulation(Kind(2));
     m.AppendModulation(Kind(7));
-    EXPECT_EQ(m.GetXmlString(), document("<Modulations>\n  <Modulation>PSK2</Modulation>\n  <Modulation>FM</Modulation>\n"
-                                         "  <Modulation>PSK2</Modulation>\n</Modulations>"));
+    EXPECT_EQ(m.GetXmlString(),
+              document("<Modulations>\n  <Modulation>PSK2</Modulation>\n  <Modulation>FM</Modulation>\n"
+                       "  <Modulation>PSK2</Modulation>\n</Modulations>"));
     const QByteArray block = hex("cf2ffa6e 0000002e 06865de2 00000026 00000003 00000008 00000004 50534b32"
                                  "00000006 00000002 464d 00000008 00000004 50534b32");
     EXPECT_EQ(tagged(m, 0xcf2ffa6e), block);
@@ -400,17 +420,21 @@ TEST(FilterModulations, UnknownNamesAndEmptySets)
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
     logger->entries.clear();
     lenient.Check(true);  // one line per invalid value
-    EXPECT_EQ(messages(*logger), QStringList({"Modulations: Please set Modulation properly.", "Modulations: Please set Modulation properly."}));
-    expectRaised<OutOfRangeException>([&] { lenient.Check(); }, QStringLiteral("Modulations: Please set Modulation properly."));
-    EXPECT_EQ(lenient.GetXmlString(), document("<Modulations>\n  <Modulation></Modulation>\n  <Modulation>FM</Modulation>\n"
-                                               "  <Modulation></Modulation>\n</Modulations>"));
+    EXPECT_EQ(messages(*logger), QStringList({"Modulations: Please set Modulation properly.",
+                                              "Modulations: Please set Modulation properly."}));
+    expectRaised<OutOfRangeException>([&] { lenient.Check(); },
+                                      QStringLiteral("Modulations: Please set Modulation properly."));
+    EXPECT_EQ(lenient.GetXmlString(),
+              document("<Modulations>\n  <Modulation></Modulation>\n  <Modulation>FM</Modulation>\n"
+                       "  <Modulation></Modulation>\n</Modulations>"));
 
     Modulations empty;
     EXPECT_FALSE(empty.HasData());
     EXPECT_EQ(empty.GetXmlString(), document("<Modulations/>"));
     EXPECT_EQ(tagged(empty, 0xcf2ffa6e), hex("cf2ffa6e 0000000c 06865de2 00000004 00000000"));
     EXPECT_EQ(raw(empty), hex("00 00000000"));
-    expectRaised<OutOfRangeException>([&] { empty.Check(); }, QStringLiteral("Modulations: Please set Modulation properly."));
+    expectRaised<OutOfRangeException>([&] { empty.Check(); },
+                                      QStringLiteral("Modulations: Please set Modulation properly."));
 }
 
 // A filter whose read raises is not kept by the root: its modulations hold a

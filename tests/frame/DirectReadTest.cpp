@@ -36,8 +36,8 @@ struct Outcome {
 
 std::ostream& operator<<(std::ostream& out, const Outcome& o)
 {
-    return out << "ok " << o.ok << ", status " << o.status << ", position " << o.position << ", "
-               << o.record.size() << " bytes, log: " << o.log.join(QLatin1Char('|')).toStdString();
+    return out << "ok " << o.ok << ", status " << o.status << ", position " << o.position << ", " << o.record.size()
+               << " bytes, log: " << o.log.join(QLatin1Char('|')).toStdString();
 }
 
 enum class Form { Raw, Tagged };
@@ -138,10 +138,35 @@ QByteArray beamDurationWithMean(const QByteArray& text)
 
 TEST(DirectRead, DoubleTextsOfEveryShapeReadAsQtReadsThem)
 {
-    QList<QByteArray> texts = {"0.00", "-0.00", "12.50", "-7.25", "9000012500.25", "0.1", "123", "0.125",
-                               "99999999999999999999.99", "1.00000000000000000001", "123456789012345678901.5",
-                               "5e3", "+1.00", " 1.00", "1.00 ", "01.50", "00.5", "1.", ".5", "-", "", "1,5",
-                               "0x10", "inf", "nan", "-.5", "1.2.3", "\xc2\xa0" "1.5"};
+    QList<QByteArray> texts = {"0.00",
+                               "-0.00",
+                               "12.50",
+                               "-7.25",
+                               "9000012500.25",
+                               "0.1",
+                               "123",
+                               "0.125",
+                               "99999999999999999999.99",
+                               "1.00000000000000000001",
+                               "123456789012345678901.5",
+                               "5e3",
+                               "+1.00",
+                               " 1.00",
+                               "1.00 ",
+                               "01.50",
+                               "00.5",
+                               "1.",
+                               ".5",
+                               "-",
+                               "",
+                               "1,5",
+                               "0x10",
+                               "inf",
+                               "nan",
+                               "-.5",
+                               "1.2.3",
+                               "\xc2\xa0"
+                               "1.5"};
     // Random two-decimal values as the writer writes them.
     quint64 seed = 12345;
     for (int i = 0; i < 20000; ++i) {
@@ -173,7 +198,8 @@ TEST(DirectWrite, TheRawFormFollowsTheStreamsSettings)
     b.SetTol(12.5);
     // Each way of writing a double, beside the stream's own operators.
     for (QDataStream::ByteOrder order : {QDataStream::BigEndian, QDataStream::LittleEndian}) {
-        for (QDataStream::FloatingPointPrecision precision : {QDataStream::DoublePrecision, QDataStream::SinglePrecision}) {
+        for (QDataStream::FloatingPointPrecision precision :
+             {QDataStream::DoublePrecision, QDataStream::SinglePrecision}) {
             for (int version : {int(QDataStream::Qt_3_3), int(QDataStream::Qt_4_6), int(QDataStream::Qt_5_15)}) {
                 QByteArray bytes;
                 QDataStream stream(&bytes, QIODevice::WriteOnly);

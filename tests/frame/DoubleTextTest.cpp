@@ -63,9 +63,9 @@ TEST(DoubleText, SignsAndSmallValues)
 
 TEST(DoubleText, ValuesBeyondTheFastRangeKeepQtsText)
 {
-    for (double v : {4e16, -4e16, 1.5e17, 1e300, std::numeric_limits<double>::max(),
-                     std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
-                     std::numeric_limits<double>::quiet_NaN()}) {
+    for (double v :
+         {4e16, -4e16, 1.5e17, 1e300, std::numeric_limits<double>::max(), std::numeric_limits<double>::infinity(),
+          -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(xmlText(v), qtText(v)) << v;
         EXPECT_EQ(QString::fromUtf8(taggedText(v)), qtText(v)) << v;
     }

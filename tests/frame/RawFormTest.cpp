@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;

@@ -15,8 +15,8 @@ namespace {
 const quint32 UnitTag = 0xa5b3acfc;
 const quint32 ValueTag = 0x8aff57b3;
 const quint32 BeamPeakPowerInScan = 0xa78b88f8;
-const QString LengthError =
-    QStringLiteral("::SetBinary(...): Length error occurred during processing of binary representation");
+const QString LengthError = QStringLiteral(
+    "::SetBinary(...): Length error occurred during processing of binary representation");
 
 BeamPeakPower beamPeakPower(double value)
 {
@@ -30,10 +30,7 @@ BeamPeakPower beamPeakPower(double value)
 QByteArray unitRecord() { return hex("a5b3acfc00000007000000036442 6d"); }
 QByteArray valueRecord() { return hex("8aff57b3000000090000000531322e3530"); }
 
-QByteArray block(const QByteArray& records, int length)
-{
-    return Bytes().word(quint32(length)).bytes() + records;
-}
+QByteArray block(const QByteArray& records, int length) { return Bytes().word(quint32(length)).bytes() + records; }
 
 }  // namespace
 

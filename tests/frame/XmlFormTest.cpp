@@ -68,7 +68,8 @@ TEST(XmlLeaf, UnknownUnitNameIsStoredInvalidWithValidationOff)
     EXPECT_EQ(b.Getunit(), 0xFF);
     EXPECT_TRUE(b.HasData());
     ASSERT_EQ(logger->entries.size(), 1);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("enum is not valid (classname=BeamPeakPower,membername=m_unit)"));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("enum is not valid (classname=BeamPeakPower,membername=m_unit)"));
     EXPECT_TRUE(b.GetXmlString().contains(QStringLiteral("unit=\"\"")));
 }
 
@@ -80,7 +81,8 @@ TEST(XmlLeaf, UnknownUnitNameFailsTheLoadWithValidationOn)
     EXPECT_FALSE(b.SetXmlString(QStringLiteral("<BeamPeakPower unit=\"dBW\">1</BeamPeakPower>"), false));
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::ERROR);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("enum is not valid (classname=BeamPeakPower,membername=m_unit)"));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("enum is not valid (classname=BeamPeakPower,membername=m_unit)"));
 }
 
 TEST(XmlLeaf, MicroSignTravelsAsText)
@@ -99,9 +101,9 @@ TEST(XmlBranch, StatisticWritesUnitThenTheSetNumbersInOrder)
     p.SetTol(0.004);
     p.SetMean(250.5);
     EXPECT_EQ(p.GetXmlString(), document(QStringLiteral("<PulseWidth unit=\"ns\">\n"
-                                                         "  <Mean>250.50</Mean>\n"
-                                                         "  <Tol>0.00</Tol>\n"
-                                                         "</PulseWidth>")));
+                                                        "  <Mean>250.50</Mean>\n"
+                                                        "  <Tol>0.00</Tol>\n"
+                                                        "</PulseWidth>")));
     PulseWidth negative;
     negative.Setunit(PulseWidth::unit(0));
     negative.SetMin(-1);
@@ -113,8 +115,8 @@ TEST(XmlBranch, StatisticWritesUnitThenTheSetNumbersInOrder)
 TEST(XmlBranch, AttributeIsAlsoAcceptedAsElement)
 {
     CenterFrequency c;
-    ASSERT_TRUE(c.SetXmlString(QStringLiteral("<CenterFrequency><unit>Hz</unit><Mean>9400</Mean></CenterFrequency>"),
-                               false));
+    ASSERT_TRUE(
+        c.SetXmlString(QStringLiteral("<CenterFrequency><unit>Hz</unit><Mean>9400</Mean></CenterFrequency>"), false));
     EXPECT_EQ(c.Getunit(), 0);
     EXPECT_EQ(c.GetMean(), 9400.0);
     EXPECT_TRUE(c.GetXmlString().contains(QStringLiteral("<CenterFrequency unit=\"Hz\">")));
@@ -233,7 +235,8 @@ TEST(XmlLists, AnItemWhoseReadRaisesIsNotKept)
                                                   "</PRIList>"),
                                    false));
     ASSERT_EQ(logger->entries.size(), 1);
-    EXPECT_EQ(logger->entries.at(0).message, QStringLiteral("enum is not valid (classname=PRIItem,membername=m_pRIValType)"));
+    EXPECT_EQ(logger->entries.at(0).message,
+              QStringLiteral("enum is not valid (classname=PRIItem,membername=m_pRIValType)"));
     const PRIList& read = list;
     ASSERT_EQ(read.GetPRIItem().size(), 1);
     EXPECT_EQ(read.GetPRIItem().at(0).Getid(), 1u);

@@ -50,7 +50,7 @@ TEST(Code, BooleanAttributeIsFalseOnlyForZeroAndFalseInAnyCase)
         const char* text;
         bool expected;
     } cases[] = {{"FALSE", false}, {"False", false}, {"false", false}, {"0", false},
-                 {"no", true},     {"1", true},      {"abc", true},   {"TRUE", true}};
+                 {"no", true},     {"1", true},      {"abc", true},    {"TRUE", true}};
     for (const auto& c : cases) {
         Code code;
         code.SetValidate(true);
@@ -223,10 +223,12 @@ TEST(CodeSequence, CodeWithoutReversedIsRefusedWithValidationOn)
     CodeSequence s;
     s.SetValidate(true);
     try {
-        readXml(s, QStringLiteral("<CodeSequence name=\"S\" bitSequence=\"1\"><Code name=\"c\">1</Code></CodeSequence>"));
+        readXml(s,
+                QStringLiteral("<CodeSequence name=\"S\" bitSequence=\"1\"><Code name=\"c\">1</Code></CodeSequence>"));
         FAIL() << "no exception";
     } catch (const IncompleteDefinitionException& e) {
-        EXPECT_EQ(e.GetMessage(), QStringLiteral("CodeSequence: Tried to append not completely defined or invalid item Code."));
+        EXPECT_EQ(e.GetMessage(),
+                  QStringLiteral("CodeSequence: Tried to append not completely defined or invalid item Code."));
     }
     EXPECT_FALSE(s.IsCodeSet());
     EXPECT_TRUE(s.GetCode().isEmpty());
@@ -249,7 +251,8 @@ TEST(CodeSequence, CodeWithoutReversedIsKeptAndWrittenWithValidationOff)
                                                         "</CodeSequence>")));
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("Parameters for Code are not set properly in 'CodeSequence'."));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("Parameters for Code are not set properly in 'CodeSequence'."));
 }
 
 TEST(CodeSequence, TaggedLayoutPutsTheTextsAheadOfTheCodes)

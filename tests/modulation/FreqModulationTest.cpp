@@ -111,7 +111,8 @@ TEST(FreqModulation, AppendRefusesOrWarnsByTheValidateFlag)
         FAIL() << "no exception";
     } catch (const IncompleteDefinitionException& e) {
         EXPECT_EQ(e.GetMessage(),
-                  QStringLiteral("FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
+                  QStringLiteral(
+                      "FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
     }
     EXPECT_FALSE(strict.IsFreqModulationItemSet());
     EXPECT_TRUE(strict.GetFreqModulationItem().isEmpty());
@@ -124,7 +125,8 @@ TEST(FreqModulation, AppendRefusesOrWarnsByTheValidateFlag)
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
     EXPECT_EQ(logger->entries[0].message,
-              QStringLiteral("FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
+              QStringLiteral(
+                  "FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
 }
 
 TEST(FreqModulation, BitSetOnAnEmptyVectorPassesCheckButWritesNothing)
@@ -173,7 +175,8 @@ TEST(FreqModulation, SegmentWithoutDurationIsRefusedWhileReadingWithValidationOn
         FAIL() << "no exception";
     } catch (const IncompleteDefinitionException& e) {
         EXPECT_EQ(e.GetMessage(),
-                  QStringLiteral("FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
+                  QStringLiteral(
+                      "FreqModulation: Tried to append not completely defined or invalid item FreqModulationItem."));
     }
     EXPECT_FALSE(f.IsFreqModulationItemSet());
     EXPECT_TRUE(f.GetFreqModulationItem().isEmpty());

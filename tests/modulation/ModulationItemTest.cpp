@@ -96,7 +96,7 @@ TEST(ModulationItem, HasDataNeedsTypeAndIdButNotAValidType)
 {
     ModulationItem m;
     m.GetChipRate();
-    EXPECT_FALSE(m.AnyData());  // an empty child holds nothing
+    EXPECT_FALSE(m.AnyData());                                  // an empty child holds nothing
     m.SetModulationType(ModulationItem::ModulationType(0xFF));  // validation off: stored
     EXPECT_TRUE(m.AnyData());
     EXPECT_FALSE(m.HasData());
@@ -112,7 +112,8 @@ TEST(ModulationItem, SettersReportInvalidEnumerations)
         m.SetModulationType(ModulationItem::ModulationType(16));
         FAIL() << "no exception";
     } catch (const OutOfRangeException& e) {
-        EXPECT_EQ(e.GetMessage(), QStringLiteral("enum is not valid (classname=ModulationItem,membername=m_modulationType)"));
+        EXPECT_EQ(e.GetMessage(),
+                  QStringLiteral("enum is not valid (classname=ModulationItem,membername=m_modulationType)"));
     }
     EXPECT_FALSE(m.IsModulationTypeSet());
     try {
@@ -127,7 +128,8 @@ TEST(ModulationItem, SettersReportInvalidEnumerations)
         p.SetPrevailingModulation(Modulation::PrevailingModulation(16));
         FAIL() << "no exception";
     } catch (const OutOfRangeException& e) {
-        EXPECT_EQ(e.GetMessage(), QStringLiteral("enum is not valid (classname=Modulation,membername=m_prevailingModulation)"));
+        EXPECT_EQ(e.GetMessage(),
+                  QStringLiteral("enum is not valid (classname=Modulation,membername=m_prevailingModulation)"));
     }
 }
 
@@ -318,7 +320,8 @@ TEST(ModulationList, RefusesAnItemWithoutIdWithValidationOn)
         FAIL() << "no exception";
     } catch (const IncompleteDefinitionException& e) {
         EXPECT_EQ(e.GetMessage(),
-                  QStringLiteral("ModulationList: Tried to append not completely defined or invalid item ModulationItem."));
+                  QStringLiteral(
+                      "ModulationList: Tried to append not completely defined or invalid item ModulationItem."));
     }
     EXPECT_FALSE(list.IsModulationItemSet());
     EXPECT_TRUE(list.GetModulationItem().isEmpty());
@@ -361,10 +364,10 @@ TEST(Modulation, LayoutsOfTheThreeForms)
                                                         "  </ModulationList>\n"
                                                         "</Modulation>")));
     EXPECT_EQ(hexOf(tagged(m, 0x006b456e)), hexOf(hex("006b456e 00000058 8b4af385 00000007 00000003 4c464d"
-                                         "cf2c8a38 00000041 6779f4d2 00000039 00000001 00000031"
-                                         "2767dd53 00000008 000000000000002a"
-                                         "a57db950 00000008 00000004 50534b32"
-                                         "e5b84f43 00000009 00000005 31322e3530")));
+                                                      "cf2c8a38 00000041 6779f4d2 00000039 00000001 00000031"
+                                                      "2767dd53 00000008 000000000000002a"
+                                                      "a57db950 00000008 00000004 50534b32"
+                                                      "e5b84f43 00000009 00000005 31322e3530")));
     EXPECT_EQ(raw(m), hex("03 03 01 00000001 03 80 07 4029000000000000 000000000000002a"));
 }
 

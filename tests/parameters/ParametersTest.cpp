@@ -65,8 +65,7 @@ TEST(ELINTParameter, AskingForAChildMakesItPresentButNotData)
     EXPECT_FALSE(p.IsAntennaSet());
 
     p.SetComments(QStringLiteral("c"));
-    EXPECT_EQ(p.GetXmlString(),
-              xmlOf("<ELINTParameter>\n  <Comments>c</Comments>\n  <Scan/>\n</ELINTParameter>\n"));
+    EXPECT_EQ(p.GetXmlString(), xmlOf("<ELINTParameter>\n  <Comments>c</Comments>\n  <Scan/>\n</ELINTParameter>\n"));
 }
 
 TEST(ELINTParameter, CommentsAloneWritesOneElement)
@@ -74,8 +73,7 @@ TEST(ELINTParameter, CommentsAloneWritesOneElement)
     ELINTParameter p;
     p.SetValidate(true);
     p.SetComments(QStringLiteral("Seen twice"));
-    EXPECT_EQ(p.GetXmlString(),
-              xmlOf("<ELINTParameter>\n  <Comments>Seen twice</Comments>\n</ELINTParameter>\n"));
+    EXPECT_EQ(p.GetXmlString(), xmlOf("<ELINTParameter>\n  <Comments>Seen twice</Comments>\n</ELINTParameter>\n"));
     // Tagged: the block with the one record.
     EXPECT_EQ(tagged(p, ELINTParameter::id),
               Bytes().word(0xed79e4b3).word(22).word(0x8f63d01c).word(14).text("Seen twice").bytes());
@@ -124,8 +122,8 @@ TEST(ELINTParameter, RawFormHasTwoBitmapBytes)
     p.SetComments(QStringLiteral("x"));
     p.SetWaveForm(p.NameToWaveForm(QStringLiteral("Pulse")));
     p.SetSequence(Sequence());  // present and empty: its own bitmap byte and nothing else
-    EXPECT_EQ(raw(p), (Bytes() << quint8(0x03) << quint8(0x02) << QStringLiteral("x") << qint8(2) << quint8(0x00))
-                          .bytes());
+    EXPECT_EQ(raw(p),
+              (Bytes() << quint8(0x03) << quint8(0x02) << QStringLiteral("x") << qint8(2) << quint8(0x00)).bytes());
 
     ELINTParameter back;
     readRaw(back, raw(p));
@@ -134,12 +132,11 @@ TEST(ELINTParameter, RawFormHasTwoBitmapBytes)
 
 TEST(ELINTParameter, ReadsElementsInAnyOrderAndARepeatedChildIntoTheSameObject)
 {
-    const ELINTParameter p = fromXml<ELINTParameter>(
-        "<ELINTParameter>"
-        "<Scan><NumberOfBars>2</NumberOfBars></Scan>"
-        "<Comments>late</Comments>"
-        "<Scan><ScanPattern>Raster</ScanPattern></Scan>"
-        "</ELINTParameter>");
+    const ELINTParameter p = fromXml<ELINTParameter>("<ELINTParameter>"
+                                                     "<Scan><NumberOfBars>2</NumberOfBars></Scan>"
+                                                     "<Comments>late</Comments>"
+                                                     "<Scan><ScanPattern>Raster</ScanPattern></Scan>"
+                                                     "</ELINTParameter>");
     EXPECT_EQ(p.GetComments(), QStringLiteral("late"));
     EXPECT_EQ(p.GetScan().GetNumberOfBars(), 2u);
     EXPECT_EQ(p.GetScan().GetScanPatternAsString(), QStringLiteral("Raster"));
@@ -158,8 +155,8 @@ TEST(EnhancedDetails, NothingMandatorySoAlwaysData)
 
 TEST(EnhancedDetails, EmptyOperationModeIsDataAndAnEmptyChildIsNot)
 {
-    const EnhancedDetails details =
-        fromXml<EnhancedDetails>("<EnhancedDetails><OperationMode></OperationMode></EnhancedDetails>");
+    const EnhancedDetails details = fromXml<EnhancedDetails>(
+        "<EnhancedDetails><OperationMode></OperationMode></EnhancedDetails>");
     EXPECT_TRUE(details.IsOperationModeSet());
     EXPECT_TRUE(details.AnyData());
 
@@ -175,8 +172,7 @@ TEST(EnhancedDetails, EmptyOperationModeIsDataAndAnEmptyChildIsNot)
 
     EnhancedDetails mode;
     mode.SetOperationMode(QStringLiteral(""));
-    EXPECT_EQ(mode.GetXmlString(),
-              xmlOf("<EnhancedDetails>\n  <OperationMode></OperationMode>\n</EnhancedDetails>\n"));
+    EXPECT_EQ(mode.GetXmlString(), xmlOf("<EnhancedDetails>\n  <OperationMode></OperationMode>\n</EnhancedDetails>\n"));
 }
 
 // --- Scan ----------------------------------------------------------------------------------
@@ -270,7 +266,8 @@ TEST(Antenna, SampleWithoutIndexIsIncompleteAndTheListReportsIt)
     AntennaDiagramVal incomplete;
     incomplete.Setunit(AntennaDiagramVal::unit(0));
     EXPECT_EQ(raisedMessage<IncompleteDefinitionException>([&] { diagram.AppendAntennaDiagramVal(incomplete); }),
-              QStringLiteral("AntennaDiagram: Tried to append not completely defined or invalid item AntennaDiagramVal."));
+              QStringLiteral(
+                  "AntennaDiagram: Tried to append not completely defined or invalid item AntennaDiagramVal."));
 }
 
 TEST(Antenna, BinNumberAndIndicesAreNotTiedAndItemsKeepTheirOrder)

@@ -25,7 +25,8 @@ QString manyAttributes(int count)
     QString tag = QStringLiteral("<Alternative");
     for (int i = 0; i < count; ++i)
         tag += QStringLiteral(" a%1=\"%1\"").arg(i);
-    return tag + QStringLiteral("><Name>Late</Name><DatabaseID>EDB-9</DatabaseID><Confidence>0.05</Confidence></Alternative>");
+    return tag + QStringLiteral(
+                     "><Name>Late</Name><DatabaseID>EDB-9</DatabaseID><Confidence>0.05</Confidence></Alternative>");
 }
 
 // Alternatives with one complete item on line 2 and the start tag under test on line 3.
@@ -43,7 +44,8 @@ void expectStoppedAtLine3(const Alternatives& list, const RecordingLogger& logge
 {
     ASSERT_EQ(logger.entries.size(), 1);
     EXPECT_EQ(logger.entries.at(0).level, RECORDKIT::ERROR);
-    EXPECT_TRUE(QRegExp(QLatin1String(TooMany)).exactMatch(logger.entries.at(0).message)) << logger.entries.at(0).message.toStdString();
+    EXPECT_TRUE(QRegExp(QLatin1String(TooMany)).exactMatch(logger.entries.at(0).message))
+        << logger.entries.at(0).message.toStdString();
     // What came before the cut stays, as with any broken document.
     ASSERT_EQ(list.GetAlternative().size(), 1);
     EXPECT_EQ(list.GetAlternative().at(0).GetName(), QStringLiteral("Harbour Lantern"));
@@ -113,16 +115,17 @@ TEST(AttributeLimit, QuotesOutsideStartTagsAreNoAttributes)
         quotes += QStringLiteral(" x%1=\"1\" y='2'").arg(i);
         singleQuotes += QStringLiteral(" y%1='2'").arg(i);
     }
-    const QString document =
-        QStringLiteral("<?xml version=\"1.0\"?>\n<?note ") + quotes +
-        QStringLiteral("?>\n<!DOCTYPE Alternatives [\n  <!-- a ' quote --> <!ENTITY e \"]>") + singleQuotes +
-        QStringLiteral("\">\n  <?pi \" ?>\n]>\n<Alternatives><!-- ") + quotes + QStringLiteral(" -->\n") +
-        QStringLiteral("<Alternative a=\"'>\" b='\"/>'><Name><![CDATA[") + quotes +
-        QStringLiteral(" ]] ]]></Name><DatabaseID>") + quotes.toHtmlEscaped() +
-        QStringLiteral("</DatabaseID><Confidence>0.5</Confidence></Alternative></Alternatives>");
+    const QString document = QStringLiteral("<?xml version=\"1.0\"?>\n<?note ") + quotes +
+                             QStringLiteral("?>\n<!DOCTYPE Alternatives [\n  <!-- a ' quote --> <!ENTITY e \"]>") +
+                             singleQuotes + QStringLiteral("\">\n  <?pi \" ?>\n]>\n<Alternatives><!-- ") + quotes +
+                             QStringLiteral(" -->\n") +
+                             QStringLiteral("<Alternative a=\"'>\" b='\"/>'><Name><![CDATA[") + quotes +
+                             QStringLiteral(" ]] ]]></Name><DatabaseID>") + quotes.toHtmlEscaped() +
+                             QStringLiteral("</DatabaseID><Confidence>0.5</Confidence></Alternative></Alternatives>");
     Alternatives fromText;
     auto logger = attachLogger(fromText);
-    EXPECT_TRUE(fromText.SetXmlString(document, false)) << (logger->entries.isEmpty() ? std::string() : logger->entries.at(0).message.toStdString());
+    EXPECT_TRUE(fromText.SetXmlString(document, false))
+        << (logger->entries.isEmpty() ? std::string() : logger->entries.at(0).message.toStdString());
     ASSERT_EQ(fromText.GetAlternative().size(), 1);
     EXPECT_EQ(fromText.GetAlternative().at(0).GetName(), quotes + QStringLiteral(" ]] "));
     Alternatives fromBytes;
@@ -136,14 +139,17 @@ TEST(AttributeLimit, AttributeListDeclarationsAreRefused)
     QString definitions;
     for (int i = 0; i < 20000; ++i)
         definitions += QStringLiteral(" a%1 CDATA 'x'").arg(i);
-    const QString document = QStringLiteral("<!DOCTYPE Alternatives [\n<!ELEMENT Alternatives ANY>\n<!ATTLIST Alternative") +
+    const QString document = QStringLiteral(
+                                 "<!DOCTYPE Alternatives [\n<!ELEMENT Alternatives ANY>\n<!ATTLIST Alternative") +
                              definitions + QStringLiteral(">\n]>\n") + listWith(manyAttributes(1));
     Alternatives list;
     auto logger = attachLogger(list);
     EXPECT_FALSE(list.SetXmlString(document, false));
     ASSERT_EQ(logger->entries.size(), 1);
-    EXPECT_TRUE(QRegExp(QStringLiteral("XML error at line 3, column [0-9]+: attribute list declarations \\(<!ATTLIST\\) are not accepted"))
-                    .exactMatch(logger->entries.at(0).message))
+    EXPECT_TRUE(
+        QRegExp(QStringLiteral(
+                    "XML error at line 3, column [0-9]+: attribute list declarations \\(<!ATTLIST\\) are not accepted"))
+            .exactMatch(logger->entries.at(0).message))
         << logger->entries.at(0).message.toStdString();
     EXPECT_FALSE(list.HasData());
     Alternatives fromBytes;
@@ -187,8 +193,9 @@ TEST(AttributeLimit, StartTagsAcrossTheReadersBuffersAreCounted)
         auto logger = attachLogger(list);
         EXPECT_FALSE(list.LoadXml(path));
         ASSERT_EQ(logger->entries.size(), 1);
-        EXPECT_TRUE(QRegExp(QStringLiteral("XML error at line 3, column [0-9]+: a start tag has more than 256 attributes"))
-                        .exactMatch(logger->entries.at(0).message))
+        EXPECT_TRUE(
+            QRegExp(QStringLiteral("XML error at line 3, column [0-9]+: a start tag has more than 256 attributes"))
+                .exactMatch(logger->entries.at(0).message))
             << logger->entries.at(0).message.toStdString();
     }
 }
@@ -253,20 +260,24 @@ TEST(UnpackLimit, BrokenFormsSayWhy)
     QByteArray out;
     QString problem;
     EXPECT_FALSE(RECORDKIT::Uncompress(packed.left(packed.size() - 6), out, problem));
-    EXPECT_EQ(problem, QStringLiteral("the compressed form cannot be decompressed: it ends before its zlib stream does"));
+    EXPECT_EQ(problem,
+              QStringLiteral("the compressed form cannot be decompressed: it ends before its zlib stream does"));
     QByteArray corrupt = packed;
     corrupt[6] = char(0xFF);
     corrupt[7] = char(0xFF);
     EXPECT_FALSE(RECORDKIT::Uncompress(corrupt, out, problem));
-    EXPECT_TRUE(problem.startsWith(QStringLiteral("the compressed form cannot be decompressed: "))) << problem.toStdString();
+    EXPECT_TRUE(problem.startsWith(QStringLiteral("the compressed form cannot be decompressed: ")))
+        << problem.toStdString();
     EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("00ff"), out, problem));
     EXPECT_EQ(problem, QStringLiteral("the compressed form ends inside its size word"));
     // 0xFFFFFFFF stated by ten bytes: refused by the ratio before the limit is asked.
     UnpackLimit unlimited(qint64(1) << 40);
     EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("7fffffff789c00000000"), out, problem));
-    EXPECT_EQ(problem, QStringLiteral("the compressed form states 2147483647 bytes, more than the limit of 2147483583 bytes"));
+    EXPECT_EQ(problem,
+              QStringLiteral("the compressed form states 2147483647 bytes, more than the limit of 2147483583 bytes"));
     EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("0fffffff789c00000000"), out, problem));
-    EXPECT_EQ(problem, QStringLiteral("the compressed form states 268435455 bytes, more than 6 compressed bytes can hold"));
+    EXPECT_EQ(problem,
+              QStringLiteral("the compressed form states 268435455 bytes, more than 6 compressed bytes can hold"));
 }
 
 TEST(FormRecognition, XmlIsKnownInEveryEncodingTheReaderKnows)

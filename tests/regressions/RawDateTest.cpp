@@ -109,15 +109,9 @@ EmitterDossier sampleWithDate(const QDateTime& date)
 }
 
 // The head of a date in a named zone, up to the zone.
-QByteArray zoneDateHead()
-{
-    return (Bytes() << SampleJulianDay << SampleMsecs << qint8(Qt::TimeZone)).bytes();
-}
+QByteArray zoneDateHead() { return (Bytes() << SampleJulianDay << SampleMsecs << qint8(Qt::TimeZone)).bytes(); }
 
-QByteArray namedZoneDate(const QString& zoneId)
-{
-    return zoneDateHead() + qtBytes(zoneId);
-}
+QByteArray namedZoneDate(const QString& zoneId) { return zoneDateHead() + qtBytes(zoneId); }
 
 // A zone given by its offset: the marker id, then id, offset, name,
 // abbreviation, country and comment.
@@ -196,16 +190,19 @@ std::vector<CommittedInput> committedInputs()
 // The layout the reader follows, as Qt writes it for each kind of time.
 TEST(RawDateLayout, QtWritesDatesAsTheReaderExpects)
 {
-    EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::LocalTime)), QByteArray::fromHex("0000000000258ea3 030620c2 00"));
-    EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::UTC)), QByteArray::fromHex("0000000000258ea3 030620c2 01"));
+    EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::LocalTime)),
+              QByteArray::fromHex("0000000000258ea3 030620c2 00"));
+    EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::UTC)),
+              QByteArray::fromHex("0000000000258ea3 030620c2 01"));
     EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), Qt::OffsetFromUTC, 5400)),
               QByteArray::fromHex("0000000000258ea3 030620c2 02 00001518"));
     // A null date: the smallest Julian day and the null time.
     EXPECT_EQ(qtBytes(QDateTime()), QByteArray::fromHex("8000000000000000 ffffffff 00"));
 
     // A named zone: its id.
-    EXPECT_EQ(qtBytes(berlinDate()), QByteArray::fromHex("0000000000258ea3 030620c2 03 0000001a") +
-                                         QByteArray::fromHex("0045 0075 0072 006f 0070 0065 002f 0042 0065 0072 006c 0069 006e"));
+    EXPECT_EQ(qtBytes(berlinDate()),
+              QByteArray::fromHex("0000000000258ea3 030620c2 03 0000001a") +
+                  QByteArray::fromHex("0045 0075 0072 006f 0070 0065 002f 0042 0065 0072 006c 0069 006e"));
     EXPECT_EQ(qtBytes(berlinDate()), namedZoneDate(QStringLiteral("Europe/Berlin")));
 
     // A zone given by its offset, made by Qt from the offset alone.
@@ -216,8 +213,8 @@ TEST(RawDateLayout, QtWritesDatesAsTheReaderExpects)
                                    .bytes());
     // A custom zone from the constructor with all its parts.
     EXPECT_EQ(qtBytes(QDateTime(sampleDay(), sampleTimeOfDay(), customZone())),
-              zoneDateHead() + (Bytes() << QStringLiteral("OffsetFromUtc") << QStringLiteral("Edd/Custom") << qint32(7200)
-                                        << QStringLiteral("Custom Time") << QStringLiteral("CUT")
+              zoneDateHead() + (Bytes() << QStringLiteral("OffsetFromUtc") << QStringLiteral("Edd/Custom")
+                                        << qint32(7200) << QStringLiteral("Custom Time") << QStringLiteral("CUT")
                                         << qint32(QLocale::Germany) << QStringLiteral("a comment"))
                                    .bytes());
 
@@ -375,7 +372,8 @@ TEST(RawDate, UnknownTimeSpecReadsAsNoDate)
 {
     for (const qint8 timeKind : {qint8(4), qint8(0x7f), qint8(-1)}) {
         SCOPED_TRACE(int(timeKind));
-        expectNoDateAndTheRestIntact(sampleWithDateBytes((Bytes() << SampleJulianDay << SampleMsecs << timeKind).bytes()));
+        expectNoDateAndTheRestIntact(
+            sampleWithDateBytes((Bytes() << SampleJulianDay << SampleMsecs << timeKind).bytes()));
     }
 }
 
@@ -423,8 +421,8 @@ TEST(RawDate, AZoneIdNamingAFifoDoesNotOpenIt)
     ::unlink(FifoPath);
     ASSERT_EQ(::mkfifo(FifoPath, 0600), 0) << std::strerror(errno);
     const QByteArray named = committedInput("zone-id-fifo.bin").mid(1);
-    const QByteArray inOffsetZone =
-        sampleWithDateBytes(offsetZoneDate(QStringLiteral("../../../../tmp/edd-regression-fifo")));
+    const QByteArray inOffsetZone = sampleWithDateBytes(
+        offsetZoneDate(QStringLiteral("../../../../tmp/edd-regression-fifo")));
     for (const QByteArray& input : {named, inOffsetZone}) {
         EXPECT_EXIT(
             {

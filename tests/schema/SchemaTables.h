@@ -304,9 +304,15 @@ struct EnumRow {
 };
 
 const EnumRow Enums[] = {
-{"FrequencyBehavior", "FrequencyType", "Unknown|Constant Non-Coherent|Constant Coherent|Stacked Beam|Pulse-to-Pulse Repetitive|Burst-to-Burst Repetitive|Pulse-to-Pulse Discrete Non-Repetitive|Burst-to-Burst Discrete Non-Repetitive|Pulse-to-Pulse Random|Burst-to-Burst Random|Continuous Repetitive Modulation|Chirp Up|Chirp Down"},
+    {"FrequencyBehavior", "FrequencyType",
+     "Unknown|Constant Non-Coherent|Constant Coherent|Stacked Beam|Pulse-to-Pulse Repetitive|Burst-to-Burst "
+     "Repetitive|Pulse-to-Pulse Discrete Non-Repetitive|Burst-to-Burst Discrete Non-Repetitive|Pulse-to-Pulse "
+     "Random|Burst-to-Burst Random|Continuous Repetitive Modulation|Chirp Up|Chirp Down"},
     {"FrequencyItem", "unit", "Hz"},
-    {"PRIBehavior", "PRIType", "Unknown|Constant|Stagger|Unstable Stagger|Random Jitter|Discrete Jitter|Dwell Switch|Pulse Frequency Modulation|Sliding|Unstable|Pulse Interval Dropout|Pulse Code Modulation|Pulse Position Modulation|Interrupted Pulse Train|Triangle"},
+    {"PRIBehavior", "PRIType",
+     "Unknown|Constant|Stagger|Unstable Stagger|Random Jitter|Discrete Jitter|Dwell Switch|Pulse Frequency "
+     "Modulation|Sliding|Unstable|Pulse Interval Dropout|Pulse Code Modulation|Pulse Position Modulation|Interrupted "
+     "Pulse Train|Triangle"},
     {"PRIItem", "pRIValType", "Pulse|Group"},
     {"PRIItem", "unit", "ns"},
     {"PulseWidthBehavior", "PulseWidthType", "Unknown|Fixed|Pulse-to-Pulse Agility|Burst-to-Burst Agility"},
@@ -321,12 +327,19 @@ const EnumRow Enums[] = {
     {"AOA", "unit", "deg"},
     {"PRT", "unit", "ns"},
     {"PeriodicTOA", "unit", "ps"},
-    {"Modulations", "Modulation", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
-    {"Modulation", "PrevailingModulation", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
-    {"ModulationItem", "ModulationType", "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"Modulations", "Modulation",
+     "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"Modulation", "PrevailingModulation",
+     "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
+    {"ModulationItem", "ModulationType",
+     "Unknown|Unmodulated|FM|LFM|NLFM|SFM|TFM|PSK2|PSK3|PSK4|PSKm|IrregularFM|InterruptedFM|CW|InterruptedCW|TooShort"},
     {"ModulationItem", "FMOPType", "Unknown|High to Low|Low to High"},
     {"ELINTParameter", "WaveForm", "Unknown|CW|Pulse"},
-    {"Scan", "ScanPattern", "Unknown|Circular|H-BDS|V-BDS|Irregular Manual|Irregular Non-Manual|Raster|Palmer Raster|Helical|Spiral|Steady|Conical|Lobe Switching|UDS|Circular + Mech. Elevation|Circular + Elec. Elevation Linear|Circular + Elec. Elevation Planar|Circular + RF Elevation|Circular + V Beam|Agile Beam|Adaptive Track|Track While Scan|Engagement Group"},
+    {"Scan", "ScanPattern",
+     "Unknown|Circular|H-BDS|V-BDS|Irregular Manual|Irregular Non-Manual|Raster|Palmer "
+     "Raster|Helical|Spiral|Steady|Conical|Lobe Switching|UDS|Circular + Mech. Elevation|Circular + Elec. Elevation "
+     "Linear|Circular + Elec. Elevation Planar|Circular + RF Elevation|Circular + V Beam|Agile Beam|Adaptive "
+     "Track|Track While Scan|Engagement Group"},
     {"Antenna", "Polarization", "Unknown|Horizontal|Vertical|LHC|RHC"},
     {"AntennaDiagramVal", "unit", "dB"},
     {"Sequence", "MasterSequenceBehavior", "Unknown|Switched|Parallel|Complex"},

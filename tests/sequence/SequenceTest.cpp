@@ -51,8 +51,10 @@ PulseItem pulseItem(quint64 id)
 TEST(SequenceMasterItem, XmlWritesUnsignedAndReadsSigned)
 {
     EXPECT_EQ(masterItem(2, MaxId).GetXmlString(),
-              document(QStringLiteral("<MasterSequenceItem type=\"Mode Chain\">18446744073709551615</MasterSequenceItem>")));
-    EXPECT_EQ(MasterSequenceItem().GetXmlString(), document(QStringLiteral("<MasterSequenceItem type=\"\">0</MasterSequenceItem>")));
+              document(
+                  QStringLiteral("<MasterSequenceItem type=\"Mode Chain\">18446744073709551615</MasterSequenceItem>")));
+    EXPECT_EQ(MasterSequenceItem().GetXmlString(),
+              document(QStringLiteral("<MasterSequenceItem type=\"\">0</MasterSequenceItem>")));
 
     MasterSequenceItem back;
     ASSERT_TRUE(back.SetXmlString(masterItem(2, MaxId).GetXmlString(), false));
@@ -60,7 +62,8 @@ TEST(SequenceMasterItem, XmlWritesUnsignedAndReadsSigned)
     EXPECT_EQ(back.GetValue(), 0u);
     EXPECT_EQ(back.Gettype(), 2);
     MasterSequenceItem largest;
-    ASSERT_TRUE(largest.SetXmlString(QStringLiteral("<MasterSequenceItem type=\"Mode\">9223372036854775807</MasterSequenceItem>"), false));
+    ASSERT_TRUE(largest.SetXmlString(
+        QStringLiteral("<MasterSequenceItem type=\"Mode\">9223372036854775807</MasterSequenceItem>"), false));
     EXPECT_EQ(largest.GetValue(), MaxSigned);
     MasterSequenceItem empty;
     ASSERT_TRUE(empty.SetXmlString(QStringLiteral("<MasterSequenceItem type=\"Mode\"/>"), false));
@@ -86,7 +89,8 @@ TEST(SequenceMasterItem, TaggedAndRawLayoutsAndChecks)
     EXPECT_EQ(logger->entries[1].message, QStringLiteral("MasterSequenceItem: Please set Value properly."));
     m.SetValidate(true);
     expectRaised<OutOfRangeException>([&] { m.Settype(MasterSequenceItem::type(3)); },
-                                      QStringLiteral("enum is not valid (classname=MasterSequenceItem,membername=m_type)"));
+                                      QStringLiteral(
+                                          "enum is not valid (classname=MasterSequenceItem,membername=m_type)"));
     EXPECT_FALSE(m.IstypeSet());
 }
 
@@ -112,10 +116,10 @@ TEST(SequenceItems, IdIsWrittenFirstButHasTheLastBit)
     p.GetNormLevel().Setunit(NormLevel::unit(0));
     p.GetNormLevel().SetValue(-3);
     EXPECT_EQ(p.GetXmlString(), document(QStringLiteral("<PulseItem id=\"4\">\n"
-                                                       "  <PulseWidthID>0</PulseWidthID>\n"
-                                                       "  <ModulationID>2</ModulationID>\n"
-                                                       "  <NormLevel unit=\"dB\">-3.00</NormLevel>\n"
-                                                       "</PulseItem>")));
+                                                        "  <PulseWidthID>0</PulseWidthID>\n"
+                                                        "  <ModulationID>2</ModulationID>\n"
+                                                        "  <NormLevel unit=\"dB\">-3.00</NormLevel>\n"
+                                                        "</PulseItem>")));
     EXPECT_EQ(tagged(p, 0x287188f0), hex("287188f0 00000057 2767dd53 00000008 0000000000000004"
                                          "0c5ac3d5 00000008 0000000000000000 4dd4e1a3 00000008 0000000000000002"
                                          "c8b8c618 0000001f a5b3acfc 00000006 00000002 6442"
@@ -139,16 +143,18 @@ TEST(SequenceItems, IdElementIsAcceptedAndWinsOverTheAttribute)
     ASSERT_TRUE(fromAttribute.SetXmlString(QStringLiteral("<SequenceItem id=\"18446744073709551615\"/>"), false));
     EXPECT_EQ(fromAttribute.Getid(), MaxId);
     SequenceItem fromElements;
-    ASSERT_TRUE(fromElements.SetXmlString(QStringLiteral("<SequenceItem><id>18446744073709551615</id>"
-                                                         "<FrequencyID>18446744073709551615</FrequencyID></SequenceItem>"),
-                                          false));
+    ASSERT_TRUE(
+        fromElements.SetXmlString(QStringLiteral("<SequenceItem><id>18446744073709551615</id>"
+                                                 "<FrequencyID>18446744073709551615</FrequencyID></SequenceItem>"),
+                                  false));
     EXPECT_TRUE(fromElements.IsidSet());
     EXPECT_EQ(fromElements.Getid(), 0u);
     EXPECT_TRUE(fromElements.IsFrequencyIDSet());
     EXPECT_EQ(fromElements.GetFrequencyID(), 0u);
     PulseItem pulse;
-    ASSERT_TRUE(pulse.SetXmlString(QStringLiteral("<PulseItem id=\"18446744073709551615\"><PulseWidthID>9223372036854775807"
-                                                  "</PulseWidthID><ModulationID>18446744073709551615</ModulationID></PulseItem>"),
+    ASSERT_TRUE(pulse.SetXmlString(QStringLiteral(
+                                       "<PulseItem id=\"18446744073709551615\"><PulseWidthID>9223372036854775807"
+                                       "</PulseWidthID><ModulationID>18446744073709551615</ModulationID></PulseItem>"),
                                    false));
     EXPECT_EQ(pulse.Getid(), MaxId);
     EXPECT_EQ(pulse.GetPulseWidthID(), MaxSigned);
@@ -189,7 +195,8 @@ TEST(SequenceElements, CompletenessAndChecks)
     EXPECT_EQ(e.GetChildType(), 0);  // "Sequence" is index 0
     e.ResetNumRepetitions();
     EXPECT_FALSE(e.HasData());
-    expectRaised<OutOfRangeException>([&] { e.Check(); }, QStringLiteral("ElementItem: Please set NumRepetitions properly."));
+    expectRaised<OutOfRangeException>([&] { e.Check(); },
+                                      QStringLiteral("ElementItem: Please set NumRepetitions properly."));
 
     ElementItem empty;
     auto logger = attachLogger(empty);
@@ -202,17 +209,18 @@ TEST(SequenceElements, CompletenessAndChecks)
     EXPECT_EQ(logger->entries[2].message, QStringLiteral("ElementItem: Please set NumRepetitions properly."));
     empty.SetValidate(true);
     expectRaised<OutOfRangeException>([&] { empty.SetChildType(ElementItem::ChildType(2)); },
-                                      QStringLiteral("enum is not valid (classname=ElementItem,membername=m_childType)"));
+                                      QStringLiteral(
+                                          "enum is not valid (classname=ElementItem,membername=m_childType)"));
 }
 
 TEST(SequenceElements, LayoutsAndSignedIntegerElements)
 {
     const ElementItem e = element(5, "Sequence", 3);
     EXPECT_EQ(e.GetXmlString(), document(QStringLiteral("<ElementItem>\n"
-                                                       "  <ChildID>5</ChildID>\n"
-                                                       "  <ChildType>Sequence</ChildType>\n"
-                                                       "  <NumRepetitions>3</NumRepetitions>\n"
-                                                       "</ElementItem>")));
+                                                        "  <ChildID>5</ChildID>\n"
+                                                        "  <ChildType>Sequence</ChildType>\n"
+                                                        "  <NumRepetitions>3</NumRepetitions>\n"
+                                                        "</ElementItem>")));
     EXPECT_EQ(raw(e), hex("07 0000000000000005 00 0000000000000003"));
     EXPECT_EQ(tagged(e, 0x4fd1f667), hex("4fd1f667 00000034 8b4d2001 00000008 0000000000000005"
                                          "e22379fc 0000000c 00000008 53657175656e6365"
@@ -222,9 +230,10 @@ TEST(SequenceElements, LayoutsAndSignedIntegerElements)
     EXPECT_EQ(raw(withPri), hex("0f 0000000000000001 01 0000000000000000 ffffffffffffffff"));
 
     ElementItem read;
-    ASSERT_TRUE(read.SetXmlString(QStringLiteral("<ElementItem><ChildID>18446744073709551615</ChildID><ChildType>Pulse</ChildType>"
-                                                 "<NumRepetitions>9223372036854775807</NumRepetitions>"
-                                                 "<PRIID>18446744073709551615</PRIID></ElementItem>"),
+    ASSERT_TRUE(read.SetXmlString(QStringLiteral(
+                                      "<ElementItem><ChildID>18446744073709551615</ChildID><ChildType>Pulse</ChildType>"
+                                      "<NumRepetitions>9223372036854775807</NumRepetitions>"
+                                      "<PRIID>18446744073709551615</PRIID></ElementItem>"),
                                   false));
     EXPECT_TRUE(read.IsChildIDSet());
     EXPECT_EQ(read.GetChildID(), 0u);
@@ -263,7 +272,8 @@ TEST(SequenceLists, AppendRefusesIncompleteItemsWithValidationOn)
     noValue.Settype(MasterSequenceItem::type(1));
     expectRaised<IncompleteDefinitionException>(
         [&] { masters.AppendMasterSequenceItem(noValue); },
-        QStringLiteral("MasterSequenceList: Tried to append not completely defined or invalid item MasterSequenceItem."));
+        QStringLiteral(
+            "MasterSequenceList: Tried to append not completely defined or invalid item MasterSequenceItem."));
     EXPECT_FALSE(masters.HasData());
 }
 
@@ -275,7 +285,8 @@ TEST(SequenceLists, WritersReportIncompleteItemsWithValidationOff)
     const QString xml = s.GetXmlString();
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("Parameters for ElementItem are not set properly in 'ElementList'."));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("Parameters for ElementItem are not set properly in 'ElementList'."));
     EXPECT_TRUE(xml.contains(QStringLiteral("<ChildType></ChildType>")));
 
     auto listLogger = std::make_shared<RecordingLogger>();
@@ -292,8 +303,10 @@ TEST(SequenceLists, WritersReportIncompleteItemsWithValidationOff)
     pulses.GetXmlString();
     masters.GetXmlString();
     ASSERT_EQ(listLogger->entries.size(), 3);
-    EXPECT_EQ(listLogger->entries[0].message, QStringLiteral("Parameters for SequenceItem are not set properly in 'SequenceList'."));
-    EXPECT_EQ(listLogger->entries[1].message, QStringLiteral("Parameters for PulseItem are not set properly in 'PulseList'."));
+    EXPECT_EQ(listLogger->entries[0].message,
+              QStringLiteral("Parameters for SequenceItem are not set properly in 'SequenceList'."));
+    EXPECT_EQ(listLogger->entries[1].message,
+              QStringLiteral("Parameters for PulseItem are not set properly in 'PulseList'."));
     EXPECT_EQ(listLogger->entries[2].message,
               QStringLiteral("Parameters for MasterSequenceItem are not set properly in 'MasterSequenceList'."));
 }
@@ -302,8 +315,9 @@ TEST(SequenceLists, TaggedBytesOfAMasterSequenceList)
 {
     MasterSequenceList masters;
     masters.AppendMasterSequenceItem(masterItem(1, 7));
-    EXPECT_EQ(tagged(masters, 0x0e773edb), hex("0e773edb 00000030 c4a68077 00000028 00000001 00000020"
-                                               "a1f0ee2d 00000008 00000004 4d6f6465 2a9485b4 00000008 0000000000000007"));
+    EXPECT_EQ(tagged(masters, 0x0e773edb),
+              hex("0e773edb 00000030 c4a68077 00000028 00000001 00000020"
+                  "a1f0ee2d 00000008 00000004 4d6f6465 2a9485b4 00000008 0000000000000007"));
     EXPECT_EQ(raw(masters), hex("01 00000001 03 01 0000000000000007"));
     EXPECT_EQ(tagged(PulseList(), 0xc873f636), hex("c873f636 0000000c 287188f0 00000004 00000000"));
 }

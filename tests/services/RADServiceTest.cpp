@@ -28,7 +28,8 @@ TEST(ServiceRequest, AnEmptyRequestIsCompleteAndWritesAnEmptyElement)
     expectRaised<OutOfRangeException>([&] { r.SetAction(RADService::Action(2)); },
                                       QStringLiteral("enum is not valid (classname=RADService,membername=m_action)"));
     expectRaised<OutOfRangeException>([&] { r.SetAdditionalInformation(QString()); },
-                                      QStringLiteral("RADService: Please set AdditionalInformation properly (origin: Setter)."));
+                                      QStringLiteral(
+                                          "RADService: Please set AdditionalInformation properly (origin: Setter)."));
     EXPECT_FALSE(r.IsActionSet());
     EXPECT_FALSE(r.IsAdditionalInformationSet());
 }
@@ -74,8 +75,10 @@ TEST(ServiceRequest, AnUnknownActionIsKeptInvalidWithValidationOff)
     EXPECT_TRUE(lenient.GetActionAsString().isNull());
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(logger->entries[0].message, QStringLiteral("enum is not valid (classname=RADService,membername=m_action)"));
-    expectRaised<OutOfRangeException>([&] { lenient.Check(); }, QStringLiteral("RADService: Please set Action properly."));
+    EXPECT_EQ(logger->entries[0].message,
+              QStringLiteral("enum is not valid (classname=RADService,membername=m_action)"));
+    expectRaised<OutOfRangeException>([&] { lenient.Check(); },
+                                      QStringLiteral("RADService: Please set Action properly."));
     EXPECT_EQ(raw(lenient), hex("01 ff"));
 
     RADService strict;

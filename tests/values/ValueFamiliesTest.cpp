@@ -19,17 +19,17 @@ namespace {
 template <class T>
 struct Row;
 
-#define VALUE_ROW(Class, Element, ...)                                              \
-    template <>                                                                     \
-    struct Row<Class> {                                                             \
-        static constexpr const char* name = Element;                                \
-        static QStringList units()                                                  \
-        {                                                                           \
-            QStringList list;                                                       \
+#define VALUE_ROW(Class, Element, ...)                                               \
+    template <>                                                                      \
+    struct Row<Class> {                                                              \
+        static constexpr const char* name = Element;                                 \
+        static QStringList units()                                                   \
+        {                                                                            \
+            QStringList list;                                                        \
             for (const char* unit : std::initializer_list<const char*>{__VA_ARGS__}) \
-                list << QString::fromUtf8(unit);                                    \
-            return list;                                                            \
-        }                                                                           \
+                list << QString::fromUtf8(unit);                                     \
+            return list;                                                             \
+        }                                                                            \
     };
 
 VALUE_ROW(AgeOutTime, "AgeOutTime", "s")
@@ -94,7 +94,10 @@ using Statistics = ::testing::Types<BeamDuration, CenterFrequency, PRI, PulseWid
 
 struct RowNames {
     template <class T>
-    static std::string GetName(int) { return Row<T>::name; }
+    static std::string GetName(int)
+    {
+        return Row<T>::name;
+    }
 };
 
 // Field tags shared by the whole family.
@@ -106,7 +109,10 @@ constexpr quint32 kMaxTag = 0x6e8dd7f5;
 constexpr quint32 kTolTag = 0x895dd926;
 
 template <class T>
-QString elementName() { return QString::fromLatin1(Row<T>::name); }
+QString elementName()
+{
+    return QString::fromLatin1(Row<T>::name);
+}
 
 // A field record whose payload is a byte array: tag, length, count, bytes.
 QByteArray textRecord(quint32 tag, const QByteArray& utf8)
@@ -180,8 +186,7 @@ void expectOutOfRangeUnitReported()
 {
     using unit = typename T::unit;
     const unit beyond = unit(Row<T>::units().size());
-    const QString message =
-        QStringLiteral("enum is not valid (classname=%1,membername=m_unit)").arg(elementName<T>());
+    const QString message = QStringLiteral("enum is not valid (classname=%1,membername=m_unit)").arg(elementName<T>());
 
     T lenient;
     auto logger = attachLogger(lenient);
@@ -210,7 +215,8 @@ void expectOutOfRangeUnitReported()
 // ---------------------------------------------------------------- unit scalars
 
 template <class T>
-class UnitScalarFamily : public ::testing::Test {};
+class UnitScalarFamily : public ::testing::Test {
+};
 TYPED_TEST_SUITE(UnitScalarFamily, UnitScalars, RowNames);
 
 TYPED_TEST(UnitScalarFamily, UnitNameConversions) { expectUnitConversions<TypeParam>(); }
@@ -303,7 +309,8 @@ TYPED_TEST(UnitScalarFamily, CheckDemandsUnitThenValue)
 // ------------------------------------------------------------------ statistics
 
 template <class T>
-class StatisticFamily : public ::testing::Test {};
+class StatisticFamily : public ::testing::Test {
+};
 TYPED_TEST_SUITE(StatisticFamily, Statistics, RowNames);
 
 TYPED_TEST(StatisticFamily, UnitNameConversions) { expectUnitConversions<TypeParam>(); }
@@ -392,8 +399,8 @@ TYPED_TEST(StatisticFamily, UnsetNumbersAreLeftOutOfEveryForm)
 
     // The unit is also read from an element of its name.
     TypeParam fromElement;
-    ASSERT_TRUE(fromElement.SetXmlString(
-        QStringLiteral("<%1><unit>%2</unit><Max>-7.25</Max></%1>").arg(name, unitName), false));
+    ASSERT_TRUE(fromElement.SetXmlString(QStringLiteral("<%1><unit>%2</unit><Max>-7.25</Max></%1>").arg(name, unitName),
+                                         false));
     EXPECT_EQ(fromElement, value);
 }
 

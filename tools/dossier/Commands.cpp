@@ -62,8 +62,8 @@ private:
 
 int runCheck(const QStringList& args)
 {
-    const Arguments a =
-        parseArguments(args, {QStringLiteral("--strict")}, readOptions() + QStringList{QStringLiteral("--max-errors")});
+    const Arguments a = parseArguments(args, {QStringLiteral("--strict")},
+                                       readOptions() + QStringList{QStringLiteral("--max-errors")});
     if (!a.problem.isEmpty() || a.positional.isEmpty()) {
         error(a.problem.isEmpty() ? QStringLiteral("check needs at least one file") : a.problem);
         return Unreadable;
@@ -111,8 +111,8 @@ int runCheck(const QStringList& args)
 
 int runConvert(const QStringList& args)
 {
-    const Arguments a =
-        parseArguments(args, {}, readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
+    const Arguments a = parseArguments(args, {},
+                                       readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
     if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
         error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw")
                                   : a.problem);
@@ -120,7 +120,8 @@ int runConvert(const QStringList& args)
     }
     Form to;
     if (!parseForm(a.values.value(QStringLiteral("--to")), to)) {
-        error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw)").arg(a.values.value(QStringLiteral("--to"))));
+        error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw)")
+                  .arg(a.values.value(QStringLiteral("--to"))));
         return Unreadable;
     }
     LoadOptions options;
@@ -219,8 +220,11 @@ int runSchema(const QStringList& args)
         out(QStringLiteral("version \"%1\", tag 0x%2, written first")
                 .arg(Frame::ClassSchemaVersion(info))
                 .arg(Frame::ClassVersionTag(info), 8, 16, QLatin1Char('0')));
-    out(QStringLiteral("bit  %1 %2 %3 %4 tag").arg(QStringLiteral("field"), -24).arg(QStringLiteral("xml"), -10)
-            .arg(QStringLiteral("type"), -24).arg(QStringLiteral("presence"), -10));
+    out(QStringLiteral("bit  %1 %2 %3 %4 tag")
+            .arg(QStringLiteral("field"), -24)
+            .arg(QStringLiteral("xml"), -10)
+            .arg(QStringLiteral("type"), -24)
+            .arg(QStringLiteral("presence"), -10));
     // Rows in the order of writing, as the XML and tagged forms have them.
     for (int i = 0; i < Frame::FieldCount(info); ++i) {
         const Frame::FieldInfo& f = Frame::FieldAt(info, i);

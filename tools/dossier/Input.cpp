@@ -42,8 +42,8 @@ std::unique_ptr<Record> create(const ClassEntry& entry, const LoadOptions& optio
 // The reason a read failed, as the record logged it.
 QString readError(const QString& path, const CollectingLogger& logger)
 {
-    return QStringLiteral("%1: %2").arg(
-        path, logger.lastError().isEmpty() ? QStringLiteral("cannot read") : logger.lastError());
+    return QStringLiteral("%1: %2").arg(path, logger.lastError().isEmpty() ? QStringLiteral("cannot read")
+                                                                           : logger.lastError());
 }
 
 // What follows a record that a stream read, as the same error for every form.

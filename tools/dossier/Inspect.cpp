@@ -35,7 +35,9 @@ public:
         case TaggedValueKind::Text:
         case TaggedValueKind::Null: out(head + valueText(value, r.version)); return;
         case TaggedValueKind::Integer: out(head + QStringLiteral(" %1").arg(value.integer)); return;
-        case TaggedValueKind::Boolean: out(head + (value.boolean ? QStringLiteral(" true") : QStringLiteral(" false"))); return;
+        case TaggedValueKind::Boolean:
+            out(head + (value.boolean ? QStringLiteral(" true") : QStringLiteral(" false")));
+            return;
         case TaggedValueKind::Block:
             out(head + QStringLiteral(", block of %1").arg(Frame::ClassName(*Frame::ItemClass(*r.field))));
             return;
@@ -56,7 +58,8 @@ public:
 
     void enumValue(const TaggedItem& item, const TaggedValue& value) override
     {
-        out(QStringLiteral("%1%2: [%3]").arg(indent(item.depth)).arg(item.offset).arg(item.index) + valueText(value, false));
+        out(QStringLiteral("%1%2: [%3]").arg(indent(item.depth)).arg(item.offset).arg(item.index) +
+            valueText(value, false));
     }
 
     void fault(const TaggedFault& f) override
@@ -70,7 +73,7 @@ public:
 private:
     static QString headOf(const TaggedRecord& r)
     {
-        const QString name = r.field ? Frame::FieldName(*r.field)
+        const QString name = r.field     ? Frame::FieldName(*r.field)
                              : r.version ? QStringLiteral("Version")
                                          : QStringLiteral("unknown");
         return QStringLiteral("%1%2: 0x%3 %4, length %5")
@@ -119,7 +122,10 @@ private:
         case TaggedFaultKind::NoValueCount: return QStringLiteral("no room for the value count");
         case TaggedFaultKind::NoValueLength: return QStringLiteral("no room for the length of value %1").arg(f.index);
         case TaggedFaultKind::ValueLength:
-            return QStringLiteral("value %1 has the length %2 with %3 bytes left").arg(f.index).arg(f.count).arg(f.left);
+            return QStringLiteral("value %1 has the length %2 with %3 bytes left")
+                .arg(f.index)
+                .arg(f.count)
+                .arg(f.left);
         case TaggedFaultKind::PayloadLength:
             return QStringLiteral("the payload takes %1 bytes, the record says %2").arg(f.left).arg(f.count);
         }

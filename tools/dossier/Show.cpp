@@ -121,12 +121,14 @@ void showField(const Record& record, const FieldInfo& f, const FieldInfo* unit, 
         }
         for (int k = 0; k < n; ++k) {
             const QString name = Frame::EnumItemText(record, f, k);
-            out(indent + QStringLiteral("%1[%2]: %3").arg(Frame::FieldName(f)).arg(k).arg(name.isEmpty() ? QStringLiteral("(invalid)") : name));
+            out(indent + QStringLiteral("%1[%2]: %3")
+                             .arg(Frame::FieldName(f))
+                             .arg(k)
+                             .arg(name.isEmpty() ? QStringLiteral("(invalid)") : name));
         }
         return;
     }
-    default:
-        out(indent + Frame::FieldName(f) + QStringLiteral(": ") + valueText(record, f, unit));
+    default: out(indent + Frame::FieldName(f) + QStringLiteral(": ") + valueText(record, f, unit));
     }
 }
 
@@ -197,8 +199,9 @@ void diffRecords(const Record& a, const Record& b, const QString& path, int& dif
             if (setA && setB)
                 diffRecords(Frame::ChildOf(a, f), Frame::ChildOf(b, f), where, differences);
             else if (setA != setB) {
-                out(QStringLiteral("%1: %2 -> %3").arg(where, setA ? QStringLiteral("(set)") : QStringLiteral("(unset)"),
-                                                        setB ? QStringLiteral("(set)") : QStringLiteral("(unset)")));
+                out(QStringLiteral("%1: %2 -> %3")
+                        .arg(where, setA ? QStringLiteral("(set)") : QStringLiteral("(unset)"),
+                             setB ? QStringLiteral("(set)") : QStringLiteral("(unset)")));
                 ++differences;
             }
             break;
@@ -289,7 +292,8 @@ int runDiff(const QStringList& args)
     const Record& ra = *left.record;
     const Record& rb = *right.record;
     if (&ra.GetClassInfo() != &rb.GetClassInfo()) {
-        out(QStringLiteral("A is %1, B is %2").arg(Frame::ClassName(ra.GetClassInfo()), Frame::ClassName(rb.GetClassInfo())));
+        out(QStringLiteral("A is %1, B is %2")
+                .arg(Frame::ClassName(ra.GetClassInfo()), Frame::ClassName(rb.GetClassInfo())));
         return Differs;
     }
     int differences = 0;
