@@ -243,14 +243,7 @@ QByteArray formBytes(const Record& record, Form form)
     }
     case Form::Tagged: return record.GetBinaryRepresentationAsQByteArray();
     case Form::Compressed: return record.GetCompressedBinaryRepresentationAsQByteArray(9);
-    case Form::Raw: {
-        QByteArray bytes;
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QDataStream stream(&buffer);
-        record.GetVersionSpecificBinaryWithoutValidation(stream);
-        return bytes;
-    }
+    case Form::Raw: return Frame::RawFormBytes(record);
     }
     return QByteArray();
 }
