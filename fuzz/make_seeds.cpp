@@ -88,7 +88,7 @@ int main(int argc, char** argv)
         auto record = Fuzzing::fresh(*entry, false);
         record->SetXmlString(QString::fromUtf8(text), false);
         const QString base = QFileInfo(file).baseName();
-        if (entry->info().id == EmitterDossier::id) {
+        if (Frame::ClassId(entry->info()) == EmitterDossier::id) {
             for (char validate : {'\0', '\1'}) {
                 const QString suffix = QStringLiteral("%1-%2").arg(base).arg(int(validate));
                 write(out.filePath(QStringLiteral("xml/") + suffix), withPrefix(validate, text));
