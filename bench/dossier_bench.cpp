@@ -41,14 +41,19 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <QBuffer>
 #include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryFile>
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+#include <QStringDecoder>
+#else
 #include <QTextCodec>
 #include <QTextDecoder>
+#endif
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -141,13 +146,13 @@ struct PlainElement {
 struct PlainSequence {
     quint64 id, frequencyId;
     PlainScalar deadTime;
-    QVector<PlainElement> elements;
+    std::vector<PlainElement> elements;
 };
 struct PlainBulk {
-    QVector<PlainPulse> pulses;
-    QVector<PlainFrequency> frequencies;
-    QVector<PlainPri> pris;
-    QVector<PlainSequence> sequences;
+    std::vector<PlainPulse> pulses;
+    std::vector<PlainFrequency> frequencies;
+    std::vector<PlainPri> pris;
+    std::vector<PlainSequence> sequences;
 };
 
 template <class S>
@@ -161,18 +166,18 @@ PlainBulk plainBulk(const EmitterDossier& d)
     PlainBulk bulk;
     const ELINTParameter& p = d.GetELINTParameter();
     for (const PulseItem& i : p.GetSequence().GetPulseList().GetPulseItem())
-        bulk.pulses.append({i.Getid(), i.GetPulseWidthID(), i.GetModulationID(), plain(i.GetNormLevel()),
-                            plain(i.GetRiseTime()), plain(i.GetFallTime()), plain(i.GetEnvelopeGradient())});
+        bulk.pulses.push_back({i.Getid(), i.GetPulseWidthID(), i.GetModulationID(), plain(i.GetNormLevel()),
+                               plain(i.GetRiseTime()), plain(i.GetFallTime()), plain(i.GetEnvelopeGradient())});
     for (const FrequencyItem& i : p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem())
-        bulk.frequencies.append({i.Getid(), qint8(i.Getunit()), i.GetValue()});
+        bulk.frequencies.push_back({i.Getid(), qint8(i.Getunit()), i.GetValue()});
     for (const PRIItem& i : p.GetPRIBehavior().GetPRIList().GetPRIItem())
-        bulk.pris.append({i.Getid(), qint8(i.GetpRIValType()), qint8(i.Getunit()), i.GetValue()});
+        bulk.pris.push_back({i.Getid(), qint8(i.GetpRIValType()), qint8(i.Getunit()), i.GetValue()});
     for (const SequenceItem& s : p.GetSequence().GetSequenceList().GetSequenceItem()) {
         PlainSequence plainSequence{s.Getid(), s.GetFrequencyID(), plain(s.GetDeadTime()), {}};
         for (const ElementItem& e : s.GetElementList().GetElementItem())
-            plainSequence.elements.append(
+            plainSequence.elements.push_back(
                 {e.GetChildID(), qint8(e.GetChildType()), e.GetNumRepetitions(), e.GetPRIID()});
-        bulk.sequences.append(plainSequence);
+        bulk.sequences.push_back(plainSequence);
     }
     return bulk;
 }
@@ -748,7 +753,7 @@ void Dossier_RawReadPlainStructs(benchmark::State& state)
         QDataStream s(&buffer);
         PlainBulk bulk;
         readPlain(s, bulk);
-        benchmark::DoNotOptimize(bulk.pulses.constData());
+        benchmark::DoNotOptimize(bulk.pulses.data());
     }
     reportSize(state);
 }
@@ -808,7 +813,7 @@ void Dossier_TaggedReadYardstick(benchmark::State& state)
             state.SkipWithError("the yardstick's bytes did not read back whole");
             break;
         }
-        benchmark::DoNotOptimize(bulk.pulses.constData());
+        benchmark::DoNotOptimize(bulk.pulses.data());
     }
     state.SetBytesProcessed(state.iterations() * bytes.size());
     reportSize(state);
@@ -822,6 +827,27 @@ long maxRssKib()
     return usage.ru_maxrss;
 }
 
+// UTF-8 decoded piece by piece, a sequence cut between pieces included.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+class Utf8Decoder {
+public:
+    QString decode(const char* data, qint64 size) { return m_decoder.decode(QByteArrayView(data, size)); }
+    bool failed() const { return m_decoder.hasError(); }
+
+private:
+    QStringDecoder m_decoder{QStringDecoder::Utf8};
+};
+#else
+class Utf8Decoder {
+public:
+    QString decode(const char* data, qint64 size) { return m_decoder->toUnicode(data, int(size)); }
+    bool failed() const { return m_decoder->hasFailure(); }
+
+private:
+    std::unique_ptr<QTextDecoder> m_decoder{QTextCodec::codecForName("UTF-8")->makeDecoder()};
+};
+#endif
+
 // The whole text of a UTF-8 file into one QString, decoded a megabyte at a
 // time into room reserved up front: the high-water mark of the resident memory
 // then holds the text and little else, where decoding the whole file at once
@@ -832,12 +858,12 @@ bool readText(const QString& path, QString& text)
     if (!file.open(QIODevice::ReadOnly))
         return false;
     text.reserve(int(file.size()));  // a UTF-8 byte for every UTF-16 unit at least
-    std::unique_ptr<QTextDecoder> decoder(QTextCodec::codecForName("UTF-8")->makeDecoder());
+    Utf8Decoder decoder;
     QByteArray chunk(1 << 20, Qt::Uninitialized);
     qint64 n;
     while ((n = file.read(chunk.data(), chunk.size())) > 0)
-        text += decoder->toUnicode(chunk.constData(), int(n));
-    return n == 0 && !decoder->hasFailure();
+        text += decoder.decode(chunk.constData(), n);
+    return n == 0 && !decoder.failed();
 }
 
 bool readBytes(const QString& path, QByteArray& bytes)

@@ -1,16 +1,23 @@
 # Installation of the library: the shared object, its public headers under
-# include/EmitterDossierDoc/ (a consumer needs <prefix>/include alone and
+# <include root>/EmitterDossierDoc/ (a consumer needs the include root alone and
 # writes #include <EmitterDossierDoc/...>), a CMake package
-# (find_package(EmitterDossierDoc) gives EmitterDossierDoc::EmitterDossierDoc
-# and finds Qt5 Core for the consumer) and a pkg-config file.
+# (find_package(<package>) gives EmitterDossierDoc::EmitterDossierDoc and finds
+# Qt Core for the consumer) and a pkg-config module of the same name.
+#
+# The package name is EmitterDossierDoc for the Qt 5 build, whose include root
+# is include/, and EmitterDossierDocQt6 for the Qt 6 build, whose include root
+# is include/EmitterDossierDocQt6/: no file of one build has the path of a file
+# of the other, so both install into one prefix.
 #
 # Included from the top-level CMakeLists.txt once the target EmitterDossierDoc,
-# EDD_PUBLIC_HEADERS (source|folder pairs), EDD_GENERATED_HEADERS and
-# EDD_INCLUDE_DIR exist. Internal headers (*_p.h) are never installed.
+# EDD_PUBLIC_HEADERS (source|folder pairs), EDD_GENERATED_HEADERS,
+# EDD_INCLUDE_DIR, EDD_PACKAGE_NAME, EDD_INSTALL_INCLUDE_ROOT and EDD_QT_MAJOR
+# exist. Internal headers (*_p.h) are never installed.
 
 include(CMakePackageConfigHelpers)
 
-foreach(required_var EDD_PUBLIC_HEADERS EDD_GENERATED_HEADERS EDD_INCLUDE_DIR)
+foreach(required_var EDD_PUBLIC_HEADERS EDD_GENERATED_HEADERS EDD_INCLUDE_DIR EDD_PACKAGE_NAME
+                     EDD_INSTALL_INCLUDE_ROOT EDD_QT_MAJOR)
   if(NOT DEFINED ${required_var})
     message(FATAL_ERROR "Packaging.cmake: ${required_var} must be set before it is included")
   endif()
@@ -19,7 +26,7 @@ if(NOT TARGET EmitterDossierDoc)
   message(FATAL_ERROR "Packaging.cmake: the target EmitterDossierDoc must exist before it is included")
 endif()
 
-set(EDD_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/EmitterDossierDoc)
+set(EDD_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/${EDD_PACKAGE_NAME})
 set(EDD_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Hand-written public headers go where their forwarding headers stand.
@@ -28,7 +35,7 @@ foreach(entry ${EDD_PUBLIC_HEADERS})
   list(GET parts 0 source)
   list(GET parts 1 folder)
   install(FILES ${PROJECT_SOURCE_DIR}/${source}
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/EmitterDossierDoc/${folder}
+    DESTINATION ${EDD_INSTALL_INCLUDE_ROOT}/EmitterDossierDoc/${folder}
     COMPONENT Development)
 endforeach()
 # Generated headers keep the folder they have below the build's include directory.
@@ -38,7 +45,7 @@ foreach(header ${EDD_GENERATED_HEADERS}
   file(RELATIVE_PATH rel_header ${EDD_INCLUDE_DIR} ${header})
   get_filename_component(rel_dir ${rel_header} DIRECTORY)
   install(FILES ${header}
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${rel_dir}
+    DESTINATION ${EDD_INSTALL_INCLUDE_ROOT}/${rel_dir}
     COMPONENT Development)
 endforeach()
 
@@ -52,21 +59,21 @@ install(TARGETS EmitterDossierDoc
 
 install(EXPORT EmitterDossierDocTargets
   NAMESPACE EmitterDossierDoc::
-  FILE EmitterDossierDocTargets.cmake
+  FILE ${EDD_PACKAGE_NAME}Targets.cmake
   DESTINATION ${EDD_INSTALL_CMAKEDIR}
   COMPONENT Development)
 
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/EmitterDossierDocConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/EmitterDossierDocConfig.cmake
+  ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}Config.cmake
   INSTALL_DESTINATION ${EDD_INSTALL_CMAKEDIR})
 write_basic_package_version_file(
-  ${PROJECT_BINARY_DIR}/EmitterDossierDocConfigVersion.cmake
+  ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}ConfigVersion.cmake
   VERSION ${PROJECT_VERSION}
   COMPATIBILITY SameMajorVersion)
 install(FILES
-    ${PROJECT_BINARY_DIR}/EmitterDossierDocConfig.cmake
-    ${PROJECT_BINARY_DIR}/EmitterDossierDocConfigVersion.cmake
+    ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}Config.cmake
+    ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}ConfigVersion.cmake
   DESTINATION ${EDD_INSTALL_CMAKEDIR}
   COMPONENT Development)
 
@@ -85,15 +92,15 @@ if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
 else()
   set(EDD_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
 endif()
-if(IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
-  set(EDD_PC_INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+if(IS_ABSOLUTE "${EDD_INSTALL_INCLUDE_ROOT}")
+  set(EDD_PC_INCLUDEDIR "${EDD_INSTALL_INCLUDE_ROOT}")
 else()
-  set(EDD_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+  set(EDD_PC_INCLUDEDIR "\${prefix}/${EDD_INSTALL_INCLUDE_ROOT}")
 endif()
 configure_file(
   ${PROJECT_SOURCE_DIR}/cmake/EmitterDossierDoc.pc.in
-  ${PROJECT_BINARY_DIR}/EmitterDossierDoc.pc
+  ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}.pc
   @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/EmitterDossierDoc.pc
+install(FILES ${PROJECT_BINARY_DIR}/${EDD_PACKAGE_NAME}.pc
   DESTINATION ${EDD_INSTALL_PKGCONFIGDIR}
   COMPONENT Development)

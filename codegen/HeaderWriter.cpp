@@ -33,6 +33,8 @@ ${enums}
 ${translation}
     ${Class}();
     ${Class}(const ${Class}& other);
+    // Takes the whole object over, logger included, and leaves `other` empty.
+    ${Class}(${Class}&& other) noexcept;
     ~${Class}() override;
     ${Class}& operator=(const ${Class}& other);
     bool operator==(const ${Class}& other) const;
@@ -46,7 +48,7 @@ private:
 
 }  // namespace EMITTERDOSSIERDOC
 
-Q_DECLARE_TYPEINFO(EMITTERDOSSIERDOC::${Class}, Q_MOVABLE_TYPE);
+EDD_DECLARE_RELOCATABLE(EMITTERDOSSIERDOC::${Class});
 )cpp";
 
 const char* const IncludeTemplate = "#include <EmitterDossierDoc/${subsystem}/${Class}.h>\n";

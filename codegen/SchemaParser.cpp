@@ -85,7 +85,9 @@ public:
             return false;
         }
         QTextStream in(&file);
-        in.setCodec("UTF-8");
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+        in.setCodec("UTF-8");  // a Qt 6 text stream reads UTF-8 unless told otherwise
+#endif
         int number = 0;
         while (!in.atEnd()) {
             const QString text = in.readLine();

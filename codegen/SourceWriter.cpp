@@ -10,6 +10,8 @@ namespace {
 
 const char* const SourceTemplate = R"cpp(${banner}#include <EmitterDossierDoc/${subsystem}/${Class}.h>
 
+#include <utility>
+
 #include <QCoreApplication>
 
 #include "schema/frame/Ops_p.h"
@@ -274,17 +276,29 @@ QString trUtf8(const SchemaClass& c)
                               QStringLiteral("return tr(source, comment, n);"));
 }
 
-// The copy constructor, on one line when it fits.
-QString copyConstructor(const SchemaClass& c)
+// A constructor from another object of the class, on one line when it fits.
+QString constructorFrom(const char* name, const TemplateValues& values)
 {
-    const TemplateValues values = {{"Class", c.name}};
-    const QString line = render("copy",
-                                "${Class}::${Class}(const ${Class}& other) : Record(other, StaticClassInfo()) {}\n",
-                                values);
+    const QString line = render(
+        name, "${Class}::${Class}(${parameter})${qualifier} : Record(${source}, StaticClassInfo()) {}\n", values);
     if (line.size() <= LineWidth + 1)
         return line;
-    return render("copyBlock",
-                  "${Class}::${Class}(const ${Class}& other)\n    : Record(other, StaticClassInfo())\n{\n}\n", values);
+    return render(name,
+                  "${Class}::${Class}(${parameter})${qualifier}\n    : Record(${source}, StaticClassInfo())\n{\n}\n",
+                  values);
+}
+
+// The copy constructor, then the move constructor.
+QString copyAndMoveConstructors(const SchemaClass& c)
+{
+    return constructorFrom("copy", {{"Class", c.name},
+                                    {"parameter", QStringLiteral("const %1& other").arg(c.name)},
+                                    {"qualifier", QString()},
+                                    {"source", QStringLiteral("other")}}) +
+           constructorFrom("move", {{"Class", c.name},
+                                    {"parameter", QStringLiteral("%1&& other").arg(c.name)},
+                                    {"qualifier", QStringLiteral(" noexcept")},
+                                    {"source", QStringLiteral("std::move(other)")}});
 }
 
 }  // namespace
@@ -335,7 +349,7 @@ QString sourceText(const SchemaClass& c)
          {"classInfo",
           wrapList(QStringLiteral("        "), classInfo, QStringLiteral("        "), QStringLiteral(");"))},
          {"translation", c.hasEnum() ? render("TranslationTemplate", TranslationTemplate, classValues) : QString()},
-         {"copy", copyConstructor(c)},
+         {"copy", copyAndMoveConstructors(c)},
          {"leaf", c.isLeaf() ? render("LeafTemplate", LeafTemplate, classValues) : QString()},
          {"versionAccess", versioned ? render("VersionAccessTemplate", VersionAccessTemplate, classValues) : QString()},
          {"definitions", definitionText}});

@@ -24,11 +24,11 @@ QString render(const char* name, const char* text, const TemplateValues& values)
         if (value == values.constEnd())
             throw TemplateError(
                 QStringLiteral("template %1: no value for placeholder ${%2}").arg(QString::fromUtf8(name), field));
-        out += source.midRef(at, open - at);
+        out += QStringView(source).mid(at, open - at);
         out += *value;
         at = close + 1;
     }
-    out += source.midRef(at);
+    out += QStringView(source).mid(at);
     return out;
 }
 

@@ -26,8 +26,11 @@ qint32 firstWord(const QByteArray& head, QDataStream::ByteOrder order)
 
 void WriteXmlDocument(const IRKObject& object, QXmlStreamWriter& writer)
 {
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    // Qt 6's writer writes UTF-8 always; Qt 5's follows the locale unless told.
     if (writer.device())
         writer.setCodec("UTF-8");
+#endif
     writer.setAutoFormatting(true);
     writer.setAutoFormattingIndent(2);
     writer.writeStartDocument();

@@ -2,7 +2,13 @@
 
 #include <cstring>
 
+#include <QtGlobal>
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+#include <QStringConverter>
+#else
 #include <QTextCodec>
+#endif
 
 namespace RECORDKIT {
 
@@ -61,10 +67,16 @@ bool Utf8TextDevice::readsLikeText(const QString& text)
         return false;
     if (encoding.isEmpty())
         return true;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    // Qt 6 reads a string as UTF-8 and ignores what it declares; given bytes,
+    // it follows the declaration. Only a declared UTF-8 reads alike both ways.
+    return QStringConverter::encodingForName(encoding.toLatin1().constData()) == QStringConverter::Utf8;
+#else
     // The reader follows a declared encoding only to a codec other than the
     // one it reads with; a name Qt does not know is an error either way.
     const QTextCodec* declared = QTextCodec::codecForName(encoding.toLatin1());
     return !declared || declared == QTextCodec::codecForMib(106);
+#endif
 }
 
 bool Utf8TextDevice::atEnd() const { return m_served == m_piece.size() && m_encoded == m_text.size(); }

@@ -55,7 +55,7 @@ static quint8 indexOfName(const FieldInfo& f, const Name& name)
 }
 
 quint8 Internal::enumIndex(const FieldInfo& f, const QString& name) { return indexOfName(f, name); }
-quint8 Internal::enumIndex(const FieldInfo& f, const QStringRef& name) { return indexOfName(f, name); }
+quint8 Internal::enumIndex(const FieldInfo& f, QStringView name) { return indexOfName(f, name); }
 quint8 Internal::enumIndex(const FieldInfo& f, QLatin1String name) { return indexOfName(f, name); }
 
 // --- Setters with a test -----------------------------------------------------------------------

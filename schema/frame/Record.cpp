@@ -33,6 +33,18 @@ Record::Record(const Record& other, const ClassInfo& info) : IRKObject(other.Get
     }
 }
 
+// A move hands the object over whole, as moving its bytes would: a container
+// that moves its items (a Qt 6 list when it shrinks) leaves each item with its
+// logger, where a copy would leave it without one.
+Record::Record(Record&& other, const ClassInfo& info) noexcept : IRKObject(other.GetObjectType()), d(other.d)
+{
+    other.d = nullptr;
+    SetObjectName(info.objectName());
+    m_classId = info.id;
+    IRKObject::SetValidate(other.GetValidate());
+    IRKObject::SetLogger(other.logger());
+}
+
 Record::~Record()
 {
     // The last handle frees the payload; a handle that holds it alone needs

@@ -50,6 +50,7 @@ public:
 protected:
     explicit Record(const ClassInfo& info);
     Record(const Record& other, const ClassInfo& info);
+    Record(Record&& other, const ClassInfo& info) noexcept;
     Record(const Record&) = delete;
     Record& operator=(const Record&) = delete;
 
@@ -75,3 +76,12 @@ EDD_EXPORT void ReadRawForm(Record& record, const QByteArray& bytes);
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC
+
+// A generated class holds a shared pointer and plain values, none of which
+// points at the record itself, so containers may move it as bytes. Qt 5 calls
+// that movable, Qt 6 relocatable.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+#define EDD_DECLARE_RELOCATABLE(Class) Q_DECLARE_TYPEINFO(Class, Q_RELOCATABLE_TYPE)
+#else
+#define EDD_DECLARE_RELOCATABLE(Class) Q_DECLARE_TYPEINFO(Class, Q_MOVABLE_TYPE)
+#endif

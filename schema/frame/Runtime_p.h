@@ -130,7 +130,7 @@ const QString* enumName(const EnumInfo& names, quint8 value);
 // The index of `name` in the field's name list, 0xFF if it is not there.
 quint8 enumIndex(const FieldInfo& f, const QString& name);
 quint8 enumIndex(const FieldInfo& f, QLatin1String name);
-quint8 enumIndex(const FieldInfo& f, const QStringRef& name);
+quint8 enumIndex(const FieldInfo& f, QStringView name);
 
 // --- Lists (Lists.cpp) -----------------------------------------------------------------
 // Appends a copy of `item`, with the test of completeness.

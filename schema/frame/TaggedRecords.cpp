@@ -343,7 +343,7 @@ bool WalkTaggedRecords(const QByteArray& bytes, const ClassInfo& info, TaggedVis
         return false;
     const qint64 available = bytes.size() - 8;
     Walker walker(bytes, visitor);
-    return walker.run(info, 8, 8 + qBound<qint64>(0, length, available));
+    return walker.run(info, 8, 8 + qBound(qint64(0), qint64(length), available));
 }
 
 }  // namespace Frame

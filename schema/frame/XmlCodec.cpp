@@ -157,7 +157,7 @@ static void storeBool(Record& r, Payload& p, const FieldInfo& f, const QString& 
 // copy, as they read from a QString. Attributes are read unsigned, element
 // text signed: a text above the signed range reads as 0 there. False for a
 // field of another kind, with nothing stored.
-static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStringRef& text, bool fromAttribute)
+static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, QStringView text, bool fromAttribute)
 {
     switch (f.kind) {
     case Kind::Double: Internal::value<double>(p, f) = text.toDouble(); break;
@@ -174,7 +174,7 @@ static bool storeFromRef(Record& r, Payload& p, const FieldInfo& f, const QStrin
 // Stores the text of an attribute or a text element through the field's setter.
 static void storeFromText(Record& r, Payload& p, const FieldInfo& f, const QString& text, bool fromAttribute)
 {
-    if (storeFromRef(r, p, f, QStringRef(&text), fromAttribute))
+    if (storeFromRef(r, p, f, QStringView(text), fromAttribute))
         return;
     switch (f.kind) {
     case Kind::Bool: storeBool(r, p, f, text); return;
@@ -260,7 +260,7 @@ void Internal::readXmlChildElement(Record& r, QXmlStreamReader& reader)
 {
     Payload& p = payload(r);
     const ClassInfo& info = r.GetClassInfo();
-    const QStringRef tag = reader.name();
+    const QStringView tag = reader.name();
     for (int bit = 0; bit < info.fieldCount; ++bit) {
         const FieldInfo& f = info.field(bit);
         if (f.xml == XmlForm::Content || tag != *f.name)
@@ -269,7 +269,7 @@ void Internal::readXmlChildElement(Record& r, QXmlStreamReader& reader)
         case XmlForm::Attribute:
         case XmlForm::Element:
             if (isNumber(f))
-                storeFromRef(r, p, f, QStringRef(&numberText(reader)), false);
+                storeFromRef(r, p, f, QStringView(numberText(reader)), false);
             else
                 storeFromText(r, p, f, reader.readElementText(QXmlStreamReader::SkipChildElements), false);
             break;

@@ -112,6 +112,45 @@ TEST(Payload, CopyConstructorTakesFlagButNotLoggerAndCopiesDeeply)
     EXPECT_EQ(source.GetAlternative().at(0).GetName(), QStringLiteral("A"));
 }
 
+TEST(Payload, MoveConstructorTakesTheWholeObjectOver)
+{
+    Alternatives source;
+    source.SetValidate(true);
+    const auto logger = attachLogger(source);
+    source.AppendAlternative(makeAlternative("A", "1", 0.5));
+    const Alternatives expected(source);
+    Alternatives moved(std::move(source));
+    EXPECT_TRUE(moved.GetValidate());
+    EXPECT_EQ(moved.GetLogger(), logger);
+    EXPECT_EQ(moved, expected);
+    EXPECT_FALSE(source.AnyData());
+}
+
+TEST(Payload, ListItemsKeepTheirOwnersLoggerWhenTheListShrinksToFit)
+{
+    // Nine items grow the list to room for more; the read then shrinks it, which
+    // moves every item into new storage.
+    QString items;
+    for (int i = 0; i < 9; ++i)
+        items += QStringLiteral("<Alternative><Name>N%1</Name></Alternative>").arg(i);
+    Alternatives list;
+    const auto logger = attachLogger(list);
+    ASSERT_TRUE(list.SetXmlString(QStringLiteral("<Alternatives>") + items + QStringLiteral("</Alternatives>"), false));
+    ASSERT_EQ(list.GetAlternative().size(), 9);
+    logger->entries.clear();
+    for (const Alternative& item : list.GetAlternative()) {
+        EXPECT_EQ(item.GetLogger(), logger);
+        item.Check(true);
+    }
+    // Each item lacks its DatabaseID and Confidence and says so to the owner's logger.
+    EXPECT_EQ(logger->entries.size(), 18);
+}
+
+// Qt's containers grow by moving records as bytes, and shrink by moving them.
+static_assert(QTypeInfo<Alternative>::isRelocatable, "generated classes are relocatable");
+static_assert(QTypeInfo<EmitterDossier>::isRelocatable, "generated classes are relocatable");
+static_assert(std::is_nothrow_move_constructible<Alternative>::value, "moving a record cannot fail");
+
 TEST(Payload, SetValidateAndSetLoggerWorkOnConstObjectsAndReachChildren)
 {
     Alternatives list;

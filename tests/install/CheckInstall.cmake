@@ -1,20 +1,23 @@
 # Run by CTest with cmake -P. Installs the main build into PREFIX, then proves
 # that the installed tree alone is enough to build and run a program:
-#   1. the installed files are those of installed-files.txt, no more, no fewer;
+#   1. the installed files are those of installed-files.txt, no more, no fewer,
+#      and none has the path of a file of the build against the other Qt;
 #   2. the version file accepts the same major version and refuses another;
 #   3. a separate CMake project finds the package in PREFIX, builds and runs;
 #   4. pkg-config gives flags that compile, link and run the same program.
+# PACKAGE, TOOL and INCLUDE_ROOT are the names of this build (Qt QT_MAJOR),
+# OTHER_PACKAGE, OTHER_TOOL and OTHER_INCLUDE_ROOT those of the other one.
 cmake_minimum_required(VERSION 3.16)
 
-foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR INCLUDEDIR GOLDEN CONSUMER_SOURCE CONSUMER_BUILD
-            GENERATOR CXX_COMPILER EXPECTED_VERSION)
+foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR GOLDEN CONSUMER_SOURCE CONSUMER_BUILD GENERATOR CXX_COMPILER
+            EXPECTED_VERSION QT_MAJOR PACKAGE TOOL INCLUDE_ROOT OTHER_PACKAGE OTHER_TOOL OTHER_INCLUDE_ROOT)
   if("${${var}}" STREQUAL "")
     message(FATAL_ERROR "install check: ${var} is not given")
   endif()
 endforeach()
 
-if(IS_ABSOLUTE "${LIBDIR}" OR IS_ABSOLUTE "${INCLUDEDIR}")
-  message(FATAL_ERROR "install check: needs relative CMAKE_INSTALL_LIBDIR and CMAKE_INSTALL_INCLUDEDIR, got '${LIBDIR}' and '${INCLUDEDIR}'")
+if(IS_ABSOLUTE "${LIBDIR}" OR IS_ABSOLUTE "${INCLUDE_ROOT}")
+  message(FATAL_ERROR "install check: needs relative CMAKE_INSTALL_LIBDIR and CMAKE_INSTALL_INCLUDEDIR, got '${LIBDIR}' and '${INCLUDE_ROOT}'")
 endif()
 # The scratch prefix is the whole destination.
 unset(ENV{DESTDIR})
@@ -49,8 +52,10 @@ string(REGEX MATCH "^[0-9]+" major "${EXPECTED_VERSION}")
 
 # Every installed file, against the list in installed-files.txt: a header that
 # slips into the installed tree or out of it is a visible difference. The list
-# writes the library and include folders as @LIBDIR@ and @INCLUDEDIR@, the
-# version as @VERSION@ and @MAJOR@, and the lower-case build type as @CONFIG@.
+# writes the library folder as @LIBDIR@, the folder that holds the
+# EmitterDossierDoc/ header folder as @INCLUDEROOT@, the package and tool names
+# as @PACKAGE@ and @TOOL@, the version as @VERSION@ and @MAJOR@, and the
+# lower-case build type as @CONFIG@.
 file(GLOB_RECURSE installed LIST_DIRECTORIES false RELATIVE "${PREFIX}" "${PREFIX}/*")
 list(SORT installed)
 string(TOLOWER "${CONFIG}" config_lower)
@@ -58,16 +63,24 @@ if(config_lower STREQUAL "")
   set(config_lower noconfig)
 endif()
 file(STRINGS "${GOLDEN}" expected REGEX "^[^#]")
-set(expanded)
-foreach(line ${expected})
-  string(REPLACE "@LIBDIR@" "${LIBDIR}" line "${line}")
-  string(REPLACE "@INCLUDEDIR@" "${INCLUDEDIR}" line "${line}")
-  string(REPLACE "@VERSION@" "${EXPECTED_VERSION}" line "${line}")
-  string(REPLACE "@MAJOR@" "${major}" line "${line}")
-  string(REPLACE "@CONFIG@" "${config_lower}" line "${line}")
-  list(APPEND expanded "${line}")
-endforeach()
-list(SORT expanded)
+
+function(expand_list out_var package tool include_root)
+  set(expanded)
+  foreach(line ${expected})
+    string(REPLACE "@LIBDIR@" "${LIBDIR}" line "${line}")
+    string(REPLACE "@INCLUDEROOT@" "${include_root}" line "${line}")
+    string(REPLACE "@PACKAGE@" "${package}" line "${line}")
+    string(REPLACE "@TOOL@" "${tool}" line "${line}")
+    string(REPLACE "@VERSION@" "${EXPECTED_VERSION}" line "${line}")
+    string(REPLACE "@MAJOR@" "${major}" line "${line}")
+    string(REPLACE "@CONFIG@" "${config_lower}" line "${line}")
+    list(APPEND expanded "${line}")
+  endforeach()
+  list(SORT expanded)
+  set(${out_var} ${expanded} PARENT_SCOPE)
+endfunction()
+
+expand_list(expanded "${PACKAGE}" "${TOOL}" "${INCLUDE_ROOT}")
 set(extra ${installed})
 list(REMOVE_ITEM extra ${expanded})
 set(missing ${expanded})
@@ -80,12 +93,26 @@ if(extra OR missing)
                       "listed but not installed:\n  - ${missing_text}")
 endif()
 
+# The build against the other Qt installs the same list under its own names:
+# no file of one may have the path of a file of the other.
+expand_list(other_expanded "${OTHER_PACKAGE}" "${OTHER_TOOL}" "${OTHER_INCLUDE_ROOT}")
+set(shared ${expanded})
+list(REMOVE_ITEM shared ${other_expanded})
+list(LENGTH expanded all_count)
+list(LENGTH shared own_count)
+if(NOT own_count EQUAL all_count)
+  set(clashes ${expanded})
+  list(REMOVE_ITEM clashes ${shared})
+  string(REPLACE ";" "\n  " clash_text "${clashes}")
+  message(FATAL_ERROR "install check: the builds against Qt 5 and Qt 6 would both install\n  ${clash_text}")
+endif()
+
 # --- 2. version compatibility ------------------------------------------------
 macro(check_version requested expect_compatible)
   set(PACKAGE_FIND_VERSION "${requested}")
   string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR "${requested}")
   set(PACKAGE_VERSION_COMPATIBLE FALSE)
-  include("${lib}/cmake/EmitterDossierDoc/EmitterDossierDocConfigVersion.cmake")
+  include("${lib}/cmake/${PACKAGE}/${PACKAGE}ConfigVersion.cmake")
   if(NOT PACKAGE_VERSION STREQUAL EXPECTED_VERSION)
     message(FATAL_ERROR "install check: the package says version ${PACKAGE_VERSION}, the project is ${EXPECTED_VERSION}")
   endif()
@@ -110,7 +137,9 @@ set(configure_cmd ${CMAKE_COMMAND}
   "-DCMAKE_PREFIX_PATH=${PREFIX}"
   "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
   -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON
-  "-DEDD_EXPECTED_VERSION=${EXPECTED_VERSION}")
+  "-DEDD_PACKAGE=${PACKAGE}"
+  "-DEDD_EXPECTED_VERSION=${EXPECTED_VERSION}"
+  "-DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR}")
 if(NOT "${MAKE_PROGRAM}" STREQUAL "")
   list(APPEND configure_cmd "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
 endif()
@@ -120,7 +149,7 @@ endif()
 run_step("configuring the consumer" ${configure_cmd})
 
 # The package must come from the prefix, not from the build tree or the system.
-file(STRINGS "${CONSUMER_BUILD}/CMakeCache.txt" found_dir REGEX "^EmitterDossierDoc_DIR:")
+file(STRINGS "${CONSUMER_BUILD}/CMakeCache.txt" found_dir REGEX "^${PACKAGE}_DIR:")
 string(REGEX REPLACE "^[^=]*=" "" found_dir "${found_dir}")
 get_filename_component(found_dir "${found_dir}" REALPATH)
 get_filename_component(real_prefix "${PREFIX}" REALPATH)
@@ -153,12 +182,12 @@ if(DEFINED ENV{PKG_CONFIG_PATH} AND NOT "$ENV{PKG_CONFIG_PATH}" STREQUAL "")
 else()
   set(ENV{PKG_CONFIG_PATH} "${lib}/pkgconfig")
 endif()
-run_step("pkg-config --modversion" "${PKG_CONFIG}" --modversion EmitterDossierDoc)
+run_step("pkg-config --modversion" "${PKG_CONFIG}" --modversion ${PACKAGE})
 string(STRIP "${step_output}" pc_version)
 if(NOT pc_version STREQUAL EXPECTED_VERSION)
   message(FATAL_ERROR "install check: pkg-config says version '${pc_version}', the project is ${EXPECTED_VERSION}")
 endif()
-run_step("pkg-config --cflags --libs" "${PKG_CONFIG}" --cflags --libs EmitterDossierDoc)
+run_step("pkg-config --cflags --libs" "${PKG_CONFIG}" --cflags --libs ${PACKAGE})
 string(STRIP "${step_output}" pc_flags)
 message(STATUS "pkg-config flags: ${pc_flags}")
 separate_arguments(pc_flag_list UNIX_COMMAND "${pc_flags}")
@@ -171,9 +200,9 @@ set(saw_libdir FALSE)
 foreach(flag ${pc_flag_list})
   if(flag MATCHES "^-[IL](.*)$")
     get_filename_component(dir "${CMAKE_MATCH_1}" REALPATH)
-    if(dir STREQUAL "${real_prefix}/${INCLUDEDIR}")
+    if(dir STREQUAL "${real_prefix}/${INCLUDE_ROOT}")
       set(saw_include TRUE)
-    elseif(dir STREQUAL "${real_prefix}/${INCLUDEDIR}/EmitterDossierDoc")
+    elseif(dir STREQUAL "${real_prefix}/${INCLUDE_ROOT}/EmitterDossierDoc")
       set(saw_include_sub TRUE)
     elseif(dir STREQUAL "${real_prefix}/${LIBDIR}")
       set(saw_libdir TRUE)
@@ -183,13 +212,14 @@ endforeach()
 if(NOT saw_include OR saw_include_sub OR NOT saw_libdir)
   message(FATAL_ERROR "install check: pkg-config flags should name the prefix's include dir alone and its lib dir: ${pc_flags}")
 endif()
-if(NOT pc_flags MATCHES "(^| )-lEmitterDossierDoc( |$)" OR NOT pc_flags MATCHES "(^| )-lQt5Core( |$)")
-  message(FATAL_ERROR "install check: pkg-config flags lack -lEmitterDossierDoc or Qt5Core: ${pc_flags}")
+if(NOT pc_flags MATCHES "(^| )-l${PACKAGE}( |$)" OR NOT pc_flags MATCHES "(^| )-lQt${QT_MAJOR}Core( |$)")
+  message(FATAL_ERROR "install check: pkg-config flags lack -l${PACKAGE} or Qt${QT_MAJOR}Core: ${pc_flags}")
 endif()
 
-# Qt 5 on Debian is built with reduced relocations, so Qt code needs -fPIC.
+# Qt on Debian is built with reduced relocations, so Qt code needs -fPIC.
 set(pc_exe "${CONSUMER_BUILD}/edd_install_consumer_pkgconfig")
 run_step("compiling the consumer with pkg-config flags"
-  "${CXX_COMPILER}" -std=c++17 -fPIC "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}" ${pc_flag_list})
+  "${CXX_COMPILER}" -std=c++17 -fPIC -DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR} "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}"
+  ${pc_flag_list})
 run_step("running the consumer built with pkg-config" "${pc_exe}")
 message(STATUS "pkg-config consumer: ${step_output}")

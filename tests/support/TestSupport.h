@@ -45,6 +45,44 @@ inline std::shared_ptr<RecordingLogger> attachLogger(const RECORDKIT::IRKObject&
 
 inline QByteArray hex(const char* text) { return QByteArray::fromHex(text); }
 
+// Texts in the wide Unicode forms, written here rather than through a codec,
+// which Qt 6 Core no longer has.
+enum class WideForm { Utf16LE, Utf16BE, Utf32LE, Utf32BE };
+
+struct WideFormName {
+    WideForm form;
+    const char* name;
+};
+constexpr WideFormName WideForms[] = {{WideForm::Utf16LE, "UTF-16LE"},
+                                      {WideForm::Utf16BE, "UTF-16BE"},
+                                      {WideForm::Utf32LE, "UTF-32LE"},
+                                      {WideForm::Utf32BE, "UTF-32BE"}};
+
+// `text` in `form`, with a byte order mark in front when `withMark` is true.
+inline QByteArray encodeWide(const QString& text, WideForm form, bool withMark = true)
+{
+    const bool wide32 = form == WideForm::Utf32LE || form == WideForm::Utf32BE;
+    const bool little = form == WideForm::Utf16LE || form == WideForm::Utf32LE;
+    const int width = wide32 ? 4 : 2;
+    QByteArray bytes;
+    auto put = [&](quint32 unit) {
+        for (int i = 0; i < width; ++i) {
+            const int shift = 8 * (little ? i : width - 1 - i);
+            bytes.append(char((unit >> shift) & 0xFF));
+        }
+    };
+    if (withMark)
+        put(0xFEFF);
+    if (wide32) {
+        for (const uint codePoint : text.toUcs4())
+            put(codePoint);
+    } else {
+        for (const QChar unit : text)
+            put(unit.unicode());
+    }
+    return bytes;
+}
+
 // The object block that GetBinary writes.
 inline QByteArray tagged(const RECORDKIT::IRKObject& object, quint32 tag, bool withTag = true)
 {

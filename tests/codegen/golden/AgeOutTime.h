@@ -28,6 +28,8 @@ public:
 
     AgeOutTime();
     AgeOutTime(const AgeOutTime& other);
+    // Takes the whole object over, logger included, and leaves `other` empty.
+    AgeOutTime(AgeOutTime&& other) noexcept;
     ~AgeOutTime() override;
     AgeOutTime& operator=(const AgeOutTime& other);
     bool operator==(const AgeOutTime& other) const;
@@ -65,4 +67,4 @@ private:
 
 }  // namespace EMITTERDOSSIERDOC
 
-Q_DECLARE_TYPEINFO(EMITTERDOSSIERDOC::AgeOutTime, Q_MOVABLE_TYPE);
+EDD_DECLARE_RELOCATABLE(EMITTERDOSSIERDOC::AgeOutTime);

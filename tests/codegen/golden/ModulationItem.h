@@ -41,6 +41,8 @@ public:
 
     ModulationItem();
     ModulationItem(const ModulationItem& other);
+    // Takes the whole object over, logger included, and leaves `other` empty.
+    ModulationItem(ModulationItem&& other) noexcept;
     ~ModulationItem() override;
     ModulationItem& operator=(const ModulationItem& other);
     bool operator==(const ModulationItem& other) const;
@@ -204,4 +206,4 @@ private:
 
 }  // namespace EMITTERDOSSIERDOC
 
-Q_DECLARE_TYPEINFO(EMITTERDOSSIERDOC::ModulationItem, Q_MOVABLE_TYPE);
+EDD_DECLARE_RELOCATABLE(EMITTERDOSSIERDOC::ModulationItem);
