@@ -204,6 +204,7 @@ QByteArray IRKObject::GetBinaryRepresentationAsQByteArray() const
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QDataStream stream(&buffer);
+    stream.setVersion(StreamVersion);
     GetBinaryRepresentation(stream);
     return bytes;
 }
@@ -224,6 +225,7 @@ bool IRKObject::SetBinaryRepresentation(QByteArray& bytes)
     const qint32 ownTag = qint32(quint32(m_classId));
     if (bytes.size() >= 4 && firstWord(bytes, QDataStream::BigEndian) == ownTag) {
         QDataStream stream(bytes);
+        stream.setVersion(StreamVersion);
         return readTaggedBlock(stream);
     }
     return readCompressed(bytes);
@@ -306,6 +308,7 @@ bool IRKObject::readCompressed(const QByteArray& compressed)
         return false;
     }
     QDataStream stream(plain);
+    stream.setVersion(StreamVersion);
     return readTaggedBlock(stream);
 }
 

@@ -14,6 +14,7 @@
 #include <EmitterDossierDoc/recordkit/Logger.h>
 #include <EmitterDossierDoc/recordkit/ObjectTypes.h>
 #include <EmitterDossierDoc/recordkit/RKException.h>
+#include <EmitterDossierDoc/recordkit/StreamVersion.h>
 
 class QFile;
 class QIODevice;

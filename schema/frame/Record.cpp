@@ -163,6 +163,7 @@ QByteArray RawFormBytes(const Record& record)
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QDataStream stream(&buffer);
+    stream.setVersion(RECORDKIT::StreamVersion);
     record.GetVersionSpecificBinaryWithoutValidation(stream);
     return bytes;
 }
@@ -173,6 +174,7 @@ void ReadRawForm(Record& record, const QByteArray& bytes)
     QBuffer buffer(&copy);
     buffer.open(QIODevice::ReadOnly);
     QDataStream stream(&buffer);
+    stream.setVersion(RECORDKIT::StreamVersion);
     record.SetVersionSpecificBinaryWithoutValidation(stream);
 }
 

@@ -59,6 +59,7 @@ void loadRaw(const QString& path, const QByteArray& bytes, Loaded& loaded, const
     loaded.form = Form::Raw;
     loaded.record = create(*options.rawClass, options, loaded.logger);
     QDataStream stream(bytes);
+    stream.setVersion(RECORDKIT::StreamVersion);
     try {
         loaded.record->SetVersionSpecificBinaryWithoutValidation(stream);
     } catch (const RKException& e) {
@@ -106,6 +107,7 @@ void loadTagged(const QString& path, QByteArray& bytes, Loaded& loaded, const Lo
     }
     loaded.record = create(*entry, options, loaded.logger);
     QDataStream stream(bytes);
+    stream.setVersion(RECORDKIT::StreamVersion);
     if (!loaded.record->SetBinaryRepresentation(stream))
         loaded.error = readError(path, *loaded.logger);
     else if (!stream.atEnd()) {
