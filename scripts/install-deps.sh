@@ -2,14 +2,25 @@
 # Installs the Debian 12 packages needed to build and test EmitterDossierDoc,
 # clang and its sanitizer and libFuzzer runtimes and clang-format included.
 # Does nothing, and says nothing, when all of them are already there.
+#
+#   install-deps.sh [MAJOR...]   the Qt of each major given: 5 (the default), 6
 set -euo pipefail
+
+qt_packages=()
+for major in "${@:-5}"; do
+  case "$major" in
+    5) qt_packages+=(qtbase5-dev) ;;
+    6) qt_packages+=(qt6-base-dev) ;;
+    *) echo "install-deps: Qt $major is not supported (5 or 6)" >&2; exit 2 ;;
+  esac
+done
 
 packages=(
   build-essential
   cmake
   ninja-build
   pkg-config
-  qtbase5-dev
+  "${qt_packages[@]}"
   zlib1g-dev
   libgtest-dev
   libgmock-dev
