@@ -22,18 +22,8 @@ endif()
 # The scratch prefix is the whole destination.
 unset(ENV{DESTDIR})
 
-# Runs a command and stops with its output when it fails.
-function(run_step what)
-  execute_process(COMMAND ${ARGN}
-    RESULT_VARIABLE rc
-    OUTPUT_VARIABLE out
-    ERROR_VARIABLE err)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "install check: ${what} failed (${rc})\n"
-                        "command: ${ARGN}\n--- stdout ---\n${out}\n--- stderr ---\n${err}")
-  endif()
-  set(step_output "${out}" PARENT_SCOPE)
-endfunction()
+set(CHECK_NAME "install check")
+include(${CMAKE_CURRENT_LIST_DIR}/InstallSupport.cmake)
 
 if(NOT EXISTS "${LIBRARY_FILE}")
   message(FATAL_ERROR "install check: ${LIBRARY_FILE} does not exist; build the project before running the tests")
@@ -132,46 +122,10 @@ if(major GREATER 0)
 endif()
 
 # --- 3. a CMake consumer -----------------------------------------------------
-set(configure_cmd ${CMAKE_COMMAND}
-  -S "${CONSUMER_SOURCE}" -B "${CONSUMER_BUILD}" -G "${GENERATOR}"
-  "-DCMAKE_PREFIX_PATH=${PREFIX}"
-  "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
-  -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON
-  "-DEDD_PACKAGE=${PACKAGE}"
-  "-DEDD_EXPECTED_VERSION=${EXPECTED_VERSION}"
-  "-DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR}")
-if(NOT "${MAKE_PROGRAM}" STREQUAL "")
-  list(APPEND configure_cmd "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
-endif()
-if(NOT "${CONFIG}" STREQUAL "")
-  list(APPEND configure_cmd "-DCMAKE_BUILD_TYPE=${CONFIG}")
-endif()
-run_step("configuring the consumer" ${configure_cmd})
-
-# The package must come from the prefix, not from the build tree or the system.
-file(STRINGS "${CONSUMER_BUILD}/CMakeCache.txt" found_dir REGEX "^${PACKAGE}_DIR:")
-string(REGEX REPLACE "^[^=]*=" "" found_dir "${found_dir}")
-get_filename_component(found_dir "${found_dir}" REALPATH)
-get_filename_component(real_prefix "${PREFIX}" REALPATH)
-string(FIND "${found_dir}/" "${real_prefix}/" at)
-if(NOT at EQUAL 0)
-  message(FATAL_ERROR "install check: the consumer found the package in '${found_dir}', not below ${real_prefix}")
-endif()
-
-set(build_cmd ${CMAKE_COMMAND} --build "${CONSUMER_BUILD}")
-if(NOT "${CONFIG}" STREQUAL "")
-  list(APPEND build_cmd --config "${CONFIG}")
-endif()
-run_step("building the consumer" ${build_cmd})
-
-file(GLOB_RECURSE consumer_exe "${CONSUMER_BUILD}/edd_install_consumer")
-if(NOT consumer_exe)
-  message(FATAL_ERROR "install check: the consumer program was not found in ${CONSUMER_BUILD}")
-endif()
-list(GET consumer_exe 0 consumer_exe)
 set(ENV{LD_LIBRARY_PATH} "${lib}")
-run_step("running the consumer built with CMake" "${consumer_exe}")
+build_consumer("${PACKAGE}" "${QT_MAJOR}" "${PREFIX}" "${CONSUMER_BUILD}")
 message(STATUS "CMake consumer: ${step_output}")
+get_filename_component(real_prefix "${PREFIX}" REALPATH)
 
 # --- 4. pkg-config -----------------------------------------------------------
 if("${PKG_CONFIG}" STREQUAL "" OR PKG_CONFIG MATCHES "NOTFOUND$")

@@ -17,14 +17,8 @@ foreach(var BUILDS PACKAGES TOOLS MAJORS)
 endforeach()
 unset(ENV{DESTDIR})
 
-function(run_step what)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT rc EQUAL 0)
-    message(FATAL_ERROR "side-by-side check: ${what} failed (${rc})\n"
-                        "command: ${ARGN}\n--- stdout ---\n${out}\n--- stderr ---\n${err}")
-  endif()
-  set(step_output "${out}" PARENT_SCOPE)
-endfunction()
+set(CHECK_NAME "side-by-side check")
+include(${CMAKE_CURRENT_LIST_DIR}/InstallSupport.cmake)
 
 # --- 1. both builds into one prefix ------------------------------------------
 file(REMOVE_RECURSE "${PREFIX}" "${CONSUMER_BUILD}")
@@ -58,28 +52,6 @@ foreach(i RANGE ${last})
   run_step("${tool} check on the sample" "${PREFIX}/bin/${tool}" check "${SAMPLE}")
 
   # --- 3. a consumer of the package ----------------------------------------------
-  set(consumer_build "${CONSUMER_BUILD}/${package}")
-  set(configure_cmd ${CMAKE_COMMAND} -S "${CONSUMER_SOURCE}" -B "${consumer_build}" -G "${GENERATOR}"
-    "-DCMAKE_PREFIX_PATH=${PREFIX}" "-DCMAKE_CXX_COMPILER=${CXX_COMPILER}"
-    -DCMAKE_FIND_PACKAGE_NO_PACKAGE_REGISTRY=ON
-    "-DEDD_PACKAGE=${package}" "-DEDD_EXPECTED_VERSION=${EXPECTED_VERSION}" "-DEDD_EXPECTED_QT_MAJOR=${major}")
-  if(NOT "${MAKE_PROGRAM}" STREQUAL "")
-    list(APPEND configure_cmd "-DCMAKE_MAKE_PROGRAM=${MAKE_PROGRAM}")
-  endif()
-  if(NOT "${CONFIG}" STREQUAL "")
-    list(APPEND configure_cmd "-DCMAKE_BUILD_TYPE=${CONFIG}")
-  endif()
-  run_step("configuring the consumer of ${package}" ${configure_cmd})
-  set(build_cmd ${CMAKE_COMMAND} --build "${consumer_build}")
-  if(NOT "${CONFIG}" STREQUAL "")
-    list(APPEND build_cmd --config "${CONFIG}")
-  endif()
-  run_step("building the consumer of ${package}" ${build_cmd})
-  file(GLOB_RECURSE consumer_exe "${consumer_build}/edd_install_consumer")
-  if(NOT consumer_exe)
-    message(FATAL_ERROR "side-by-side check: the consumer of ${package} was not built in ${consumer_build}")
-  endif()
-  list(GET consumer_exe 0 consumer_exe)
-  run_step("running the consumer of ${package}" "${consumer_exe}")
+  build_consumer("${package}" "${major}" "${PREFIX}" "${CONSUMER_BUILD}/${package}")
   message(STATUS "${package}: ${step_output}")
 endforeach()
