@@ -47,10 +47,10 @@ EmitterDossier sample()
     int at = 0;
     while (at < expected.size() && at < actual.size() && expected.at(at) == actual.at(at))
         ++at;
-    return ::testing::AssertionFailure()
-           << "sizes " << expected.size() << " and " << actual.size() << ", first difference at offset " << at
-           << ": expected " << expected.mid(at, 8).toHex(' ').toStdString() << ", got "
-           << actual.mid(at, 8).toHex(' ').toStdString();
+    return ::testing::AssertionFailure() << "sizes " << expected.size() << " and " << actual.size()
+                                         << ", first difference at offset " << at << ": expected "
+                                         << expected.mid(at, 8).toHex(' ').toStdString() << ", got "
+                                         << actual.mid(at, 8).toHex(' ').toStdString();
 }
 
 QByteArray savedXml(const EmitterDossier& dossier)

@@ -151,7 +151,7 @@ int runInspect(const QStringList& args)
         error(problem);
         return Unreadable;
     }
-    const int packedSize = bytes.size();
+    const qint64 packedSize = bytes.size();
     Form form;
     const ClassEntry* entry = findTagged(bytes, form, problem);
     if (!entry) {
