@@ -114,13 +114,13 @@ int runConvert(const QStringList& args)
     const Arguments a = parseArguments(args, {},
                                        readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
     if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
-        error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw")
+        error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw|json")
                                   : a.problem);
         return Unreadable;
     }
     Form to;
     if (!parseForm(a.values.value(QStringLiteral("--to")), to)) {
-        error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw)")
+        error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw, json)")
                   .arg(a.values.value(QStringLiteral("--to"))));
         return Unreadable;
     }
@@ -128,7 +128,7 @@ int runConvert(const QStringList& args)
     if (!takeReadOptions(a, options))
         return Unreadable;
     const QString target = a.values.value(QStringLiteral("-o"));
-    if (target.isEmpty() && to != Form::Xml && isatty(STDOUT_FILENO)) {
+    if (target.isEmpty() && to != Form::Xml && to != Form::Json && isatty(STDOUT_FILENO)) {
         error(QStringLiteral("will not write the %1 form to a terminal; use -o FILE or a pipe").arg(formName(to)));
         return Unreadable;
     }

@@ -93,6 +93,25 @@ void loadXml(const QString& path, const QByteArray& bytes, Loaded& loaded, const
         loaded.error = readError(path, *loaded.logger);
 }
 
+void loadJson(const QString& path, const QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
+{
+    QString problem;
+    const QString name = Frame::JsonRootName(bytes, &problem);
+    if (!problem.isEmpty()) {
+        loaded.error = QStringLiteral("%1: %2").arg(path, problem);
+        return;
+    }
+    const ClassEntry* entry = Frame::FindClass(name);
+    if (!entry) {
+        loaded.error = QStringLiteral("%1: no schema class is named '%2'").arg(path, name);
+        return;
+    }
+    loaded.form = Form::Json;
+    loaded.record = create(*entry, options, loaded.logger);
+    if (!Frame::FromJson(*loaded.record, bytes))
+        loaded.error = readError(path, *loaded.logger);
+}
+
 void loadTagged(const QString& path, QByteArray& bytes, Loaded& loaded, const LoadOptions& options)
 {
     QString problem;
@@ -142,13 +161,14 @@ QString formName(Form form)
     case Form::Tagged: return QStringLiteral("tagged");
     case Form::Compressed: return QStringLiteral("compressed");
     case Form::Raw: return QStringLiteral("raw");
+    case Form::Json: return QStringLiteral("json");
     }
     return QString();
 }
 
 bool parseForm(const QString& name, Form& form)
 {
-    for (Form f : {Form::Xml, Form::Tagged, Form::Compressed, Form::Raw}) {
+    for (Form f : {Form::Xml, Form::Tagged, Form::Compressed, Form::Raw, Form::Json}) {
         if (formName(f) == name) {
             form = f;
             return true;
@@ -227,6 +247,8 @@ Loaded load(const QString& path, const LoadOptions& options)
         loadRaw(path, bytes, loaded, options);
     else if (RECORDKIT::LooksLikeXml(bytes))
         loadXml(path, bytes, loaded, options);
+    else if (Frame::LooksLikeJson(bytes))
+        loadJson(path, bytes, loaded, options);
     else
         loadTagged(path, bytes, loaded, options);
     return loaded;
@@ -246,6 +268,7 @@ QByteArray formBytes(const Record& record, Form form)
     case Form::Tagged: return record.GetBinaryRepresentationAsQByteArray();
     case Form::Compressed: return record.GetCompressedBinaryRepresentationAsQByteArray(9);
     case Form::Raw: return Frame::RawFormBytes(record);
+    case Form::Json: return Frame::ToJson(record);
     }
     return QByteArray();
 }

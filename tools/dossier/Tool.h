@@ -11,6 +11,7 @@
 #include <QStringList>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
+#include <EmitterDossierDoc/frame/Json.h>
 #include <EmitterDossierDoc/frame/Reflection.h>
 
 namespace DossierTool {
@@ -21,7 +22,7 @@ using EMITTERDOSSIERDOC::Frame::Record;
 // Exit codes of every subcommand.
 enum ExitCode { Success = 0, Differs = 1, Unreadable = 2 };
 
-enum class Form { Xml, Tagged, Compressed, Raw };
+enum class Form { Xml, Tagged, Compressed, Raw, Json };
 QString formName(Form form);
 bool parseForm(const QString& name, Form& form);
 
@@ -74,8 +75,9 @@ bool readInput(const QString& path, QByteArray& bytes, QString& problem);
 // compressed form that cannot be unpacked.
 const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem);
 
-// Reads a file in the form it holds: XML by its first start element, tagged
-// and compressed by the outer block with a known class id, raw only on request.
+// Reads a file in the form it holds: XML by its first start element, JSON by
+// the name of its outer object's member, tagged and compressed by the outer
+// block with a known class id, raw only on request.
 Loaded load(const QString& path, const LoadOptions& options);
 
 // The record in the given form, as bytes. Throws RKException if a writer refuses.

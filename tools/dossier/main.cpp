@@ -26,8 +26,8 @@ QString readingHelp(Reads reads)
         return QString();
     QString text = QStringLiteral("\n\n");
     if (reads == Reads::AnyForm)
-        text += QStringLiteral("XML, tagged and compressed input is recognised by itself; the raw form has no\n"
-                               "marker and needs --from raw --class NAME.\n");
+        text += QStringLiteral("XML, JSON, tagged and compressed input is recognised by itself; the raw form has\n"
+                               "no marker and needs --from raw --class NAME.\n");
     text += QStringLiteral("FILE may be a pipe, such as /dev/stdin. --max-size BYTES sets the largest file\n"
                            "read and the most a compressed form may unpack to (default %1).\n\n"
                            "In what is printed, a backslash is written \\\\, a newline \\n, a carriage return\n"
@@ -46,9 +46,11 @@ const Command Commands[] = {
      "record has faults, 2 if a file cannot be read.",
      Reads::AnyForm},
     {"convert", runConvert,
-     "convert FILE --to xml|tagged|compressed|raw [-o OUT] [--from raw --class NAME] [--max-size BYTES]",
+     "convert FILE --to xml|tagged|compressed|raw|json [-o OUT] [--from raw --class NAME] [--max-size BYTES]",
      "Writes the record of FILE in another form, to OUT or to standard output (binary forms\n"
-     "not to a terminal), as the library writes it. Any schema class may be the record.",
+     "not to a terminal), as the library writes it. Any schema class may be the record.\n"
+     "JSON holds the record as {\"CLASS\": {...}}: set properties by name in the order of\n"
+     "writing, enumerations by name, doubles exact, integers above 2^53 as strings.",
      Reads::AnyForm},
     {"show", runShow, "show [--all] FILE [--from raw --class NAME] [--max-size BYTES]",
      "Prints the record as an indented tree: properties in the order of the XML form, values\n"
