@@ -562,7 +562,8 @@ private:
         const auto result = std::from_chars(start, m_pos, value);
         if (result.ec != std::errc() || result.ptr != m_pos) {
             m_pos = start;
-            fail(QStringLiteral("%1 is beyond the range of a double").arg(QString::fromLatin1(start, int(result.ptr - start))));
+            fail(QStringLiteral("%1 is beyond the range of a double")
+                     .arg(QString::fromLatin1(start, int(result.ptr - start))));
         }
         return value;
     }
@@ -582,8 +583,10 @@ private:
             m_pos = digitsEnd + 1;
         } else {
             bool integer = false;
-            if (!scanNumber(&integer) || !integer || *start == '-')
+            if (!scanNumber(&integer) || !integer || *start == '-') {
+                m_pos = start;
                 wrongType("an unsigned integer");
+            }
             digitsEnd = m_pos;
         }
         quint64 value = 0;
@@ -905,7 +908,8 @@ private:
                 ++column;
             }
         }
-        throw JsonFault{QStringLiteral("JSON error at %1 (line %2, column %3): %4").arg(path()).arg(line).arg(column).arg(what)};
+        throw JsonFault{
+            QStringLiteral("JSON error at %1 (line %2, column %3): %4").arg(path()).arg(line).arg(column).arg(what)};
     }
 
     const char* const m_begin;

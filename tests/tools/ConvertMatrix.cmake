@@ -4,7 +4,7 @@
 #   cmake -DTOOL=... -DSAMPLE=file.xml -DCLASS=Name -DWORKDIR=dir -P ConvertMatrix.cmake
 cmake_minimum_required(VERSION 3.16)
 
-set(forms xml tagged compressed raw)
+set(forms xml tagged compressed raw json)
 file(REMOVE_RECURSE ${WORKDIR})
 file(MAKE_DIRECTORY ${WORKDIR})
 
