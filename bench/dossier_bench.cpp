@@ -58,6 +58,7 @@
 #include <QXmlStreamWriter>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
+#include <EmitterDossierDoc/frame/Json.h>
 
 #include "DossierBench.h"
 #include "recordkit/XmlGuard_p.h"
@@ -208,6 +209,7 @@ struct Fixture {
     qint64 xmlBytes = xmlUtf8.size();
     QByteArray tagged = dossier.GetBinaryRepresentationAsQByteArray();
     QByteArray raw = Frame::RawFormBytes(dossier);
+    QByteArray json = Frame::ToJson(dossier);
     PlainBulk bulk = plainBulk(dossier);
 
     static Fixture& get()
@@ -556,6 +558,50 @@ void Dossier_XmlWritePlainStructs(benchmark::State& state)
     reportSize(state);
 }
 BENCHMARK(Dossier_XmlWritePlainStructs)->Unit(benchmark::kMillisecond);
+
+// --- JSON --------------------------------------------------------------------------------
+// Measured beside the XML form's write (GetXmlString) and read from bytes
+// (SetXmlBytes), which do the same work for the other text form.
+
+void Dossier_JsonWrite(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        const QByteArray bytes = Frame::ToJson(f.dossier);
+        benchmark::DoNotOptimize(bytes.constData());
+    }
+    state.SetBytesProcessed(state.iterations() * f.json.size());
+    reportSize(state);
+}
+BENCHMARK(Dossier_JsonWrite)->Unit(benchmark::kMillisecond);
+
+void Dossier_JsonRead(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    for (auto _ : state) {
+        EmitterDossier d;
+        benchmark::DoNotOptimize(Frame::FromJson(d, f.json));
+    }
+    state.SetBytesProcessed(state.iterations() * f.json.size());
+    reportSize(state);
+}
+BENCHMARK(Dossier_JsonRead)->Unit(benchmark::kMillisecond);
+
+// The size of the dossier in every form, as counters.
+void Dossier_FormSizes(benchmark::State& state)
+{
+    const Fixture& f = Fixture::get();
+    QByteArray compressed;
+    for (auto _ : state)
+        compressed = f.dossier.GetCompressedBinaryRepresentationAsQByteArray(9);
+    state.counters["xml_bytes"] = double(f.xmlBytes);
+    state.counters["json_bytes"] = double(f.json.size());
+    state.counters["compact_json_bytes"] = double(Frame::ToJson(f.dossier, Frame::JsonLayout::Compact).size());
+    state.counters["tagged_bytes"] = double(f.tagged.size());
+    state.counters["compressed_bytes"] = double(compressed.size());
+    state.counters["raw_bytes"] = double(f.raw.size());
+}
+BENCHMARK(Dossier_FormSizes)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // --- Tagged ------------------------------------------------------------------------------
 

@@ -1,7 +1,7 @@
 #pragma once
 
 // What every fuzz target does with a record that a reader has let through,
-// whole or in part: check it, write it in the three forms, and read each of
+// whole or in part: check it, write it in the four forms, and read each of
 // them back, so that the writers meet whatever the readers accept. Crashes,
 // sanitizer reports and leaks are the findings; the documented exceptions of
 // the virtual readers and writers are not.
@@ -15,6 +15,7 @@
 #include <QDataStream>
 
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
+#include <EmitterDossierDoc/frame/Json.h>
 
 namespace Fuzzing {
 
@@ -66,6 +67,7 @@ inline void exercise(const ClassEntry& entry, const Record& record)
     } catch (const RKException&) {
     }
     const QByteArray raw = EMITTERDOSSIERDOC::Frame::RawFormBytes(record);
+    const QByteArray json = EMITTERDOSSIERDOC::Frame::ToJson(record);
 
     const bool validate = record.GetValidate();
     if (!xml.isEmpty())
@@ -73,6 +75,7 @@ inline void exercise(const ClassEntry& entry, const Record& record)
     if (!tagged.isEmpty())
         fresh(entry, validate)->SetBinaryRepresentation(tagged);
     readRaw(*fresh(entry, validate), raw);
+    EMITTERDOSSIERDOC::Frame::FromJson(*fresh(entry, validate), json);
 }
 
 inline const ClassEntry& rootEntry()
@@ -120,6 +123,20 @@ inline void runRaw(const uint8_t* data, size_t size)
     const ClassEntry& entry = rootEntry();
     auto record = fresh(entry, data[0] & 1);
     readRaw(*record, QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1)));
+    exercise(entry, *record);
+}
+
+// The JSON reader of every class: the first byte chooses the validate flag,
+// the document itself names its class (the root when it names none known).
+inline void runJson(const uint8_t* data, size_t size)
+{
+    if (size < 1)
+        return;
+    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1));
+    const ClassEntry* named = EMITTERDOSSIERDOC::Frame::FindClass(EMITTERDOSSIERDOC::Frame::JsonRootName(bytes));
+    const ClassEntry& entry = named ? *named : rootEntry();
+    auto record = fresh(entry, data[0] & 1);
+    EMITTERDOSSIERDOC::Frame::FromJson(*record, bytes);
     exercise(entry, *record);
 }
 

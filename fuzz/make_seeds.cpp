@@ -4,8 +4,8 @@
 //
 //   edd_fuzz_seeds OUT_DIR SAMPLE.xml...
 //
-// OUT_DIR gets xml/, tagged/, raw/ and any/ with seeds, and xml.dict and
-// binary.dict.
+// OUT_DIR gets xml/, tagged/, raw/, any/ and json/ with seeds, and xml.dict,
+// json.dict and binary.dict.
 
 #include <QDir>
 #include <QFile>
@@ -65,7 +65,7 @@ int main(int argc, char** argv)
         return 2;
     }
     const QDir out(QString::fromLocal8Bit(argv[1]));
-    for (const char* dir : {"xml", "tagged", "raw", "any"})
+    for (const char* dir : {"xml", "tagged", "raw", "any", "json"})
         out.mkpath(QLatin1String(dir));
     const auto& classes = Frame::AllClasses();
 
@@ -99,6 +99,11 @@ int main(int argc, char** argv)
                 write(out.filePath(QStringLiteral("raw/") + suffix), withPrefix(validate, rawOf(*record)));
                 written += 4;
             }
+        }
+        for (char validate : {'\0', '\1'}) {
+            write(out.filePath(QStringLiteral("json/%1-%2").arg(base).arg(int(validate))),
+                  withPrefix(validate, Frame::ToJson(*record, Frame::JsonLayout::Compact)));
+            ++written;
         }
         // Every object of the sample, as the block of its own class.
         Frame::ForEachChecked(*record, [&](const QString& path, const Frame::Record& object) {
@@ -147,6 +152,13 @@ int main(int argc, char** argv)
     xmlDict.sort();
     binaryDict.sort();
     write(out.filePath(QStringLiteral("xml.dict")), xmlDict.join(QLatin1Char('\n')).toUtf8() + '\n');
+    QStringList jsonDict;
+    for (const QString& name : names)
+        jsonDict << dictWord('"' + name.toUtf8() + '"');
+    jsonDict << dictWord("null") << dictWord("true") << dictWord("false") << dictWord("\"NaN\"")
+             << dictWord("\"Infinity\"") << dictWord("\\u");
+    jsonDict.sort();
+    write(out.filePath(QStringLiteral("json.dict")), jsonDict.join(QLatin1Char('\n')).toUtf8() + '\n');
     write(out.filePath(QStringLiteral("binary.dict")), binaryDict.join(QLatin1Char('\n')).toUtf8() + '\n');
     std::printf("%d seeds, %d XML words, %d binary words\n", written, int(xmlDict.size()), int(binaryDict.size()));
     return 0;

@@ -90,9 +90,8 @@ TEST(JsonText, RootCarriesItsVersionFirstAndDatesInTheDocumentsText)
     d.SetName(QStringLiteral("N"));
     d.SetPriority(d.NameToPriority(QStringLiteral("Normal")));
     d.SetDetectionTime(QDateTime(QDate(2026, 11, 2), QTime(14, 5, 33, 250), Qt::UTC));
-    EXPECT_EQ(compact(d),
-              QByteArray(R"({"EmitterDossier":{"Version":"1.8","Name":"N","Priority":"Normal",)"
-                         R"("DetectionTime":"2026-11-02T14:05:33,250Z"}})"));
+    EXPECT_EQ(compact(d), QByteArray(R"({"EmitterDossier":{"Version":"1.8","Name":"N","Priority":"Normal",)"
+                                     R"("DetectionTime":"2026-11-02T14:05:33,250Z"}})"));
 }
 
 TEST(JsonText, IntegersAboveTwoToThe53AreStrings)
@@ -147,8 +146,8 @@ TEST(JsonText, ValuesTheSettersRefuseAreNull)
 
 TEST(JsonRoundTrip, ValuesComeBackExactlyAsTheyWere)
 {
-    const double doubles[] = {0.1,  1.0 / 3,  5e-324, std::numeric_limits<double>::max(), -0.0, 1e21, 2.5e-7,
-                              -1e-310, std::numeric_limits<double>::infinity()};
+    const double doubles[] = {0.1,  1.0 / 3, 5e-324,  std::numeric_limits<double>::max(),     -0.0,
+                              1e21, 2.5e-7,  -1e-310, std::numeric_limits<double>::infinity()};
     for (double value : doubles) {
         Alternative a;
         a.SetConfidence(value);
@@ -235,17 +234,21 @@ TEST(JsonFaults, SyntaxIsNamedByPathLineAndColumn)
     EXPECT_EQ(jsonError<Alternative>(cut),
               QStringLiteral("JSON error at $.Alternative.Name (line 1, column 28): the string has no end"));
     const QByteArray trailing = R"({"AgeOutTime":{}} x)";
-    EXPECT_EQ(jsonError<AgeOutTime>(trailing),
-              QStringLiteral("JSON error at $ (%1): expected the end of the document, found 'x'").arg(at(trailing, "x")));
+    EXPECT_EQ(
+        jsonError<AgeOutTime>(trailing),
+        QStringLiteral("JSON error at $ (%1): expected the end of the document, found 'x'").arg(at(trailing, "x")));
     const QByteArray badUtf8 = "{\"Alternative\":{\"Name\":\"a\xff\"}}";
-    EXPECT_EQ(jsonError<Alternative>(badUtf8),
-              QStringLiteral("JSON error at $.Alternative.Name (%1): the text is not valid UTF-8").arg(at(badUtf8, "\xff")));
+    EXPECT_EQ(
+        jsonError<Alternative>(badUtf8),
+        QStringLiteral("JSON error at $.Alternative.Name (%1): the text is not valid UTF-8").arg(at(badUtf8, "\xff")));
     const QByteArray overlong = "{\"Alternative\":{\"Name\":\"\xc0\xaf\"}}";
-    EXPECT_EQ(jsonError<Alternative>(overlong),
-              QStringLiteral("JSON error at $.Alternative.Name (%1): the text is not valid UTF-8").arg(at(overlong, "\xc0")));
+    EXPECT_EQ(
+        jsonError<Alternative>(overlong),
+        QStringLiteral("JSON error at $.Alternative.Name (%1): the text is not valid UTF-8").arg(at(overlong, "\xc0")));
     const QByteArray badEscape = R"({"Alternative":{"Name":"\x41"}})";
-    EXPECT_EQ(jsonError<Alternative>(badEscape),
-              QStringLiteral("JSON error at $.Alternative.Name (%1): \\x is no escape of JSON").arg(at(badEscape, "\\")));
+    EXPECT_EQ(
+        jsonError<Alternative>(badEscape),
+        QStringLiteral("JSON error at $.Alternative.Name (%1): \\x is no escape of JSON").arg(at(badEscape, "\\")));
     const QByteArray trailingComma = R"({"AgeOutTime":{"unit":"s",}})";
     EXPECT_EQ(jsonError<AgeOutTime>(trailingComma),
               QStringLiteral("JSON error at $.AgeOutTime (%1): expected the name of a property, found '}'")
@@ -255,28 +258,33 @@ TEST(JsonFaults, SyntaxIsNamedByPathLineAndColumn)
 TEST(JsonFaults, LinesAndColumnsCountLineBreaksAndCharacters)
 {
     // Line 3 holds two characters of two bytes each before the fault.
-    const QByteArray json = "{\n  \"Alternative\": {\n    \"Name\": \"\xc3\xa9\xc3\xa9\", \"Confidence\": true\n  }\n}\n";
+    const QByteArray json =
+        "{\n  \"Alternative\": {\n    \"Name\": \"\xc3\xa9\xc3\xa9\", \"Confidence\": true\n  }\n}\n";
     EXPECT_EQ(jsonError<Alternative>(json),
-              QStringLiteral("JSON error at $.Alternative.Confidence (line 3, column 33): expected a number, found a boolean"));
+              QStringLiteral(
+                  "JSON error at $.Alternative.Confidence (line 3, column 33): expected a number, found a boolean"));
 }
 
 TEST(JsonFaults, ShapeOtherThanTheClassIsRefused)
 {
     const QByteArray unknown = R"({"AgeOutTime":{"Unit":"s"}})";
-    EXPECT_EQ(jsonError<AgeOutTime>(unknown), QStringLiteral("JSON error at $.AgeOutTime (%1): AgeOutTime has no property \"Unit\"")
-                                                  .arg(at(unknown, "\"Unit")));
+    EXPECT_EQ(jsonError<AgeOutTime>(unknown),
+              QStringLiteral("JSON error at $.AgeOutTime (%1): AgeOutTime has no property \"Unit\"")
+                  .arg(at(unknown, "\"Unit")));
     const QByteArray twice = R"({"AgeOutTime":{"unit":"s","unit":"s"}})";
     EXPECT_EQ(jsonError<AgeOutTime>(twice),
               QStringLiteral("JSON error at $.AgeOutTime (line 1, column 27): \"unit\" is given twice"));
     const QByteArray name = R"({"AgeOutTime":{"unit":"min"}})";
-    EXPECT_EQ(jsonError<AgeOutTime>(name), QStringLiteral("JSON error at $.AgeOutTime.unit (%1): \"min\" is not a name of unit")
-                                               .arg(at(name, "\"min")));
+    EXPECT_EQ(
+        jsonError<AgeOutTime>(name),
+        QStringLiteral("JSON error at $.AgeOutTime.unit (%1): \"min\" is not a name of unit").arg(at(name, "\"min")));
     const QByteArray other = R"({"Bearing":{}})";
     EXPECT_EQ(jsonError<AgeOutTime>(other),
               QStringLiteral("JSON error at $ (line 1, column 2): the document holds \"Bearing\", not AgeOutTime"));
     const QByteArray two = R"({"AgeOutTime":{},"AgeOutTime":{}})";
-    EXPECT_EQ(jsonError<AgeOutTime>(two),
-              QStringLiteral("JSON error at $ (%1): a document holds one record, and this one holds more").arg(at(two, ",")));
+    EXPECT_EQ(
+        jsonError<AgeOutTime>(two),
+        QStringLiteral("JSON error at $ (%1): a document holds one record, and this one holds more").arg(at(two, ",")));
     const QByteArray lateVersion = R"({"EmitterDossier":{"Name":"x","Version":"1.8"}})";
     EXPECT_EQ(jsonError<EmitterDossier>(lateVersion),
               QStringLiteral("JSON error at $.EmitterDossier (%1): \"Version\" stands first in EmitterDossier")
@@ -299,11 +307,14 @@ TEST(JsonFaults, ValuesOfTheWrongTypeAreRefused)
         {R"({"PulseItem":{"id":18446744073709551616}})", "PulseItem.id", "18",
          "18446744073709551616 is beyond the range of an unsigned 64-bit integer"},
         {R"({"PulseItem":{"NormLevel":[]}})", "PulseItem.NormLevel", "[", "expected an object, found an array"},
-        {R"({"Alternative":{"Confidence":1e999}})", "Alternative.Confidence", "1e", "1e999 is beyond the range of a double"},
-        {R"({"Alternative":{"Confidence":01}})", "Alternative", "1}", "expected ',' or '}' after a property, found a number"},
+        {R"({"Alternative":{"Confidence":1e999}})", "Alternative.Confidence", "1e",
+         "1e999 is beyond the range of a double"},
+        {R"({"Alternative":{"Confidence":01}})", "Alternative", "1}",
+         "expected ',' or '}' after a property, found a number"},
         {R"({"Alternative":{"Name":nul}})", "Alternative.Name", "nul", "expected a string, found 'n'"},
         {R"({"TOA":{"inverse":1}})", "TOA.inverse", "1", "expected true or false, found a number"},
-        {R"({"Alternatives":{"Alternative":{}}})", "Alternatives.Alternative", "{}", "expected an array, found an object"},
+        {R"({"Alternatives":{"Alternative":{}}})", "Alternatives.Alternative", "{}",
+         "expected an array, found an object"},
         {R"({"Modulations":{"Modulation":["LFM","Chirp"]}})", "Modulations.Modulation[1]", "\"Chirp",
          "\"Chirp\" is not a name of Modulation"},
         {R"({"EmitterDossier":{"DetectionTime":0}})", "EmitterDossier.DetectionTime", "0",
@@ -336,7 +347,8 @@ TEST(JsonFaults, FaultGoesToTheLoggerAndWhatWasReadBeforeStays)
     ASSERT_EQ(logger->entries.size(), 1);
     EXPECT_EQ(logger->entries[0].level, RECORDKIT::ERROR);
     EXPECT_EQ(logger->entries[0].message,
-              QStringLiteral("JSON error at $.Alternatives.Alternative[1].DatabaseID (%1): expected a string, found a number")
+              QStringLiteral(
+                  "JSON error at $.Alternatives.Alternative[1].DatabaseID (%1): expected a string, found a number")
                   .arg(at(json, "7}")));
     // The item whose read failed is not left in the list.
     ASSERT_EQ(list.GetAlternative().size(), 1);
@@ -353,7 +365,8 @@ TEST(JsonReports, RefusedValuesWarnWithoutTheFlagAndEndTheReadWithIt)
     ASSERT_TRUE(Frame::FromJson(lenient, json));
     ASSERT_EQ(warnings->entries.size(), 1);
     EXPECT_EQ(warnings->entries[0].level, RECORDKIT::WARNING);
-    EXPECT_EQ(warnings->entries[0].message, QStringLiteral("enum is not valid (classname=AgeOutTime,membername=m_unit)"));
+    EXPECT_EQ(warnings->entries[0].message,
+              QStringLiteral("enum is not valid (classname=AgeOutTime,membername=m_unit)"));
     EXPECT_TRUE(lenient.IsunitSet());
     EXPECT_EQ(quint8(lenient.Getunit()), 0xFF);
     EXPECT_EQ(lenient.GetValue(), 1.0);
@@ -413,4 +426,34 @@ TEST(JsonDocument, IsRecognisedByItsFirstCharacterAndNamesItsClass)
     AgeOutTime age;
     ASSERT_TRUE(Frame::FromJson(age, "\xEF\xBB\xBF{\"AgeOutTime\":{\"Value\":2}}"));
     EXPECT_EQ(age.GetValue(), 2.0);
+}
+
+// --- Hostile input -------------------------------------------------------------------
+
+TEST(JsonHostile, EveryCutIsRefusedAndEveryFlippedBitReadsOrIsRefused)
+{
+    Alternatives sample;
+    QFile file(QStringLiteral(EDD_EXAMPLES_DIR "/alternatives.xml"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(sample.SetXmlBytes(file.readAll()));
+    const QByteArray json = compact(sample);
+    for (int size = 0; size < json.size(); ++size) {
+        Alternatives cut;
+        EXPECT_FALSE(Frame::FromJson(cut, json.left(size))) << size;
+    }
+    int refused = 0;
+    for (int bit = 0; bit < 8 * json.size(); ++bit) {
+        QByteArray flipped = json;
+        flipped[bit / 8] = char(flipped[bit / 8] ^ (1 << (bit % 8)));
+        Alternatives read;
+        if (!Frame::FromJson(read, flipped)) {
+            ++refused;
+            continue;
+        }
+        // Whatever is read writes a document that reads back to the same record.
+        Alternatives back;
+        ASSERT_TRUE(Frame::FromJson(back, Frame::ToJson(read))) << bit;
+        EXPECT_EQ(compact(back), compact(read)) << bit;
+    }
+    EXPECT_GT(refused, 4 * json.size());
 }

@@ -34,6 +34,7 @@ TEST(Regressions, FoundInputsPassEveryStep)
     runAll("tagged", Fuzzing::runTagged, count);
     runAll("raw", Fuzzing::runRaw, count);
     runAll("any", Fuzzing::runAnyClass, count);
+    runAll("json", Fuzzing::runJson, count);
     EXPECT_GT(count, 0);
 }
 
