@@ -383,7 +383,7 @@ private:
                         wrongType("a string");
                     Internal::versionGate(r, p, readString());
                     m_path.pop_back();
-                    if (!nextMember())
+                    if (!another('}', "a property"))
                         return;
                     continue;
                 }
@@ -406,25 +406,9 @@ private:
             m_path.push_back({f->name, -1});
             readField(r, p, *f);
             m_path.pop_back();
-            if (!nextMember())
+            if (!another('}', "a property"))
                 return;
         }
-    }
-
-    // After a member: true when another follows, false at the object's end.
-    bool nextMember()
-    {
-        skipSpace();
-        if (peek() == ',') {
-            ++m_pos;
-            skipSpace();
-            return true;
-        }
-        if (peek() == '}') {
-            ++m_pos;
-            return false;
-        }
-        fail(QStringLiteral("expected ',' or '}' after a property, found %1").arg(found()));
     }
 
     void readField(Record& r, Payload& p, const FieldInfo& f)
@@ -458,29 +442,23 @@ private:
 
     void readList(Record& r, Payload& p, const FieldInfo& f)
     {
-        expectValue('[', "an array");
-        // A list given, even an empty one, is a list set.
-        p.set(f.bit);
-        skipSpace();
-        if (peek() == ']') {
-            ++m_pos;
-            return;
-        }
-        for (int k = 0;; ++k) {
-            m_path.push_back({nullptr, k});
-            {
-                Internal::PendingItem item(r, p, f);
-                readRecord(item.item());
-                item.finish();
-            }
-            m_path.pop_back();
-            if (!nextItem())
-                break;
-        }
+        readArray(p, f, [&] {
+            Internal::PendingItem item(r, p, f);
+            readRecord(item.item());
+            item.finish();
+        });
         f.listOps().trim(Internal::field(p, f));
     }
 
     void readEnumList(Record& r, Payload& p, const FieldInfo& f)
+    {
+        readArray(p, f, [&] { Internal::appendEnumValue(r, p, f, readEnum(f)); });
+    }
+
+    // An array given for a list field, even an empty one, sets the list;
+    // `readItem` reads each item, with its index on the path.
+    template <class ReadItem>
+    void readArray(Payload& p, const FieldInfo& f, ReadItem readItem)
     {
         expectValue('[', "an array");
         p.set(f.bit);
@@ -491,15 +469,16 @@ private:
         }
         for (int k = 0;; ++k) {
             m_path.push_back({nullptr, k});
-            Internal::appendEnumValue(r, p, f, readEnum(f));
+            readItem();
             m_path.pop_back();
-            if (!nextItem())
+            if (!another(']', "an item"))
                 return;
         }
     }
 
-    // After an item: true when another follows, false at the array's end.
-    bool nextItem()
+    // After a member or an item: true when another follows, false at the
+    // `close` of its object or array.
+    bool another(char close, const char* after)
     {
         skipSpace();
         if (peek() == ',') {
@@ -507,11 +486,12 @@ private:
             skipSpace();
             return true;
         }
-        if (peek() == ']') {
+        if (peek() == close) {
             ++m_pos;
             return false;
         }
-        fail(QStringLiteral("expected ',' or ']' after an item, found %1").arg(found()));
+        fail(QStringLiteral("expected ',' or '%1' after %2, found %3")
+                 .arg(QString(QLatin1Char(close)), QLatin1String(after), found()));
     }
 
     // --- Values -----------------------------------------------------------------------
