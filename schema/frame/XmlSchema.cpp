@@ -61,7 +61,7 @@ QString typeName(const ClassInfo& owner, const FieldInfo& field)
 // name, as the writer writes each record under its object name.
 QString elementName(const FieldInfo& field)
 {
-    const ClassInfo* item = FieldKind(field) == Kind::EnumList ? nullptr : ItemClass(field);
+    const ClassInfo* item = ItemClass(field);
     return item ? ClassName(*item) : FieldName(field);
 }
 
