@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <EmitterDossierDoc/frame/XmlSchema.h>
+
 namespace DossierTool {
 
 using namespace EMITTERDOSSIERDOC;
@@ -192,10 +194,21 @@ QString typeName(const Frame::FieldInfo& f)
 
 int runSchema(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {}, {});
+    const QString xsd = QStringLiteral("--xsd");
+    const Arguments a = parseArguments(args, {xsd}, {});
     if (!a.problem.isEmpty() || a.positional.size() > 1) {
         error(a.problem.isEmpty() ? QStringLiteral("schema takes at most one class name") : a.problem);
         return Unreadable;
+    }
+    if (a.flags.contains(xsd)) {
+        // One schema holds every class, each as a global element.
+        if (!a.positional.isEmpty()) {
+            error(QStringLiteral("schema --xsd takes no class name: the schema holds every class"));
+            return Unreadable;
+        }
+        const QByteArray bytes = Frame::XmlSchema();
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+        return std::fflush(stdout) == 0 ? Success : Unreadable;
     }
     if (a.positional.isEmpty()) {
         for (const ClassEntry& entry : Frame::AllClasses())

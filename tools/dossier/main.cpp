@@ -66,9 +66,10 @@ const Command Commands[] = {
      "offset, tag, field name (or unknown, passed over), length and value, nested blocks\n"
      "indented, and the first place where the lengths do not add up (exit 2).",
      Reads::TaggedForms},
-    {"schema", runSchema, "schema [CLASS]",
+    {"schema", runSchema, "schema [CLASS | --xsd]",
      "Prints the field table of CLASS (bit, field, XML shape, type, presence, tag, in the order\n"
-     "of writing), or all classes with their ids.",
+     "of writing), or all classes with their ids. --xsd prints an XML Schema (XSD 1.0) of the\n"
+     "XML form as the library writes it, every class a global element, for xmllint --schema.",
      Reads::Nothing},
 };
 
