@@ -173,7 +173,8 @@ endif()
 # Qt on Debian is built with reduced relocations, so Qt code needs -fPIC.
 set(pc_exe "${CONSUMER_BUILD}/edd_install_consumer_pkgconfig")
 run_step("compiling the consumer with pkg-config flags"
-  "${CXX_COMPILER}" -std=c++17 -fPIC -DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR} "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}"
+  "${CXX_COMPILER}" -std=c++17 -fPIC -DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR} "-DEDD_EXPECTED_VERSION=\"${EXPECTED_VERSION}\""
+  "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}"
   ${pc_flag_list})
 run_step("running the consumer built with pkg-config" "${pc_exe}")
 message(STATUS "pkg-config consumer: ${step_output}")
