@@ -66,7 +66,7 @@ struct Loaded {
 
 // The name that stands for standard input as a FILE and for standard output
 // as -o's OUT. Messages name it as given, "-".
-const QString StandardStream = QStringLiteral("-");
+constexpr QLatin1String StandardStream("-");
 
 // The whole of a file, which may be a pipe or a FIFO, read once; "-" reads
 // standard input. A file of more than the size limit (--max-size) is refused
