@@ -22,9 +22,12 @@ endif()
 
 file(READ ${PAGE} page)
 # --- 2. the tool's name ---------------------------------------------------------
-string(TOUPPER "${TOOL_NAME}" upper)
+# A hyphen in the name is written \-, as roff wants it in what is typed.
 string(REPLACE "-" "\\-" roff_name "${TOOL_NAME}")
-if(NOT page MATCHES "\n\\.TH ${upper} 1 " OR NOT page MATCHES "\n\\.SH NAME\n${roff_name} \\\\- ")
+string(TOUPPER "${roff_name}" upper)
+string(FIND "${page}" "\n.TH ${upper} 1 " title_at)
+string(FIND "${page}" "\n.SH NAME\n${roff_name} \\- " name_at)
+if(title_at EQUAL -1 OR name_at EQUAL -1)
   message(FATAL_ERROR "${PAGE} does not name ${TOOL_NAME} in its title and NAME line")
 endif()
 
