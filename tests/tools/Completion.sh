@@ -17,9 +17,9 @@ failures=0
 
 # The function that `complete` registered for a name.
 function_for() {
-    local spec
-    spec=$(complete -p "$1" 2>/dev/null) || return 1
-    [[ $spec =~ -F\ ([^ ]+) ]] && echo "${BASH_REMATCH[1]}"
+    local registered
+    registered=$(complete -p "$1" 2>/dev/null) || return 1
+    [[ $registered =~ -F\ ([^ ]+) ]] && echo "${BASH_REMATCH[1]}"
 }
 for name in dossier dossier-qt6; do
     if ! function_for "$name" >/dev/null; then
