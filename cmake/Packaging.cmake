@@ -38,10 +38,12 @@ foreach(entry ${EDD_PUBLIC_HEADERS})
     DESTINATION ${EDD_INSTALL_INCLUDE_ROOT}/EmitterDossierDoc/${folder}
     COMPONENT Development)
 endforeach()
-# Generated headers keep the folder they have below the build's include directory.
+# Generated headers, the export and version headers among them, keep the folder
+# they have below the build's include directory.
 foreach(header ${EDD_GENERATED_HEADERS}
                ${EDD_INCLUDE_DIR}/EmitterDossierDoc/EmitterDossierDoc.h
-               ${EDD_INCLUDE_DIR}/EmitterDossierDoc/edd_export.h)
+               ${EDD_INCLUDE_DIR}/EmitterDossierDoc/edd_export.h
+               ${EDD_INCLUDE_DIR}/EmitterDossierDoc/Version.h)
   file(RELATIVE_PATH rel_header ${EDD_INCLUDE_DIR} ${header})
   get_filename_component(rel_dir ${rel_header} DIRECTORY)
   install(FILES ${header}

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages needed to build and test EmitterDossierDoc,
-# clang and its sanitizer and libFuzzer runtimes and clang-format included.
+# clang and its sanitizer and libFuzzer runtimes, clang-format, and groff, which
+# checks the manual page, included.
 # Does nothing, and says nothing, when all of them are already there.
 #
 #   install-deps.sh [MAJOR...]   the Qt of each major given: 5 (the default), 6
@@ -30,6 +31,7 @@ packages=(
   libclang-rt-14-dev
   clang-format
   libxml2-utils  # xmllint, for the tests of the XML Schema
+  groff-base
 )
 
 # One dpkg-query for all of them: a package it does not list as installed

@@ -2,6 +2,9 @@
 # that the installed tree alone is enough to build and run a program:
 #   1. the installed files are those of installed-files.txt, no more, no fewer,
 #      and none has the path of a file of the build against the other Qt;
+#   1a. the tool's run path is RUN_PATH (empty for none), and with one the tool
+#      runs from the prefix, and from the prefix moved elsewhere, with no
+#      environment at all;
 #   2. the version file accepts the same major version and refuses another;
 #   3. a separate CMake project finds the package in PREFIX, builds and runs;
 #   4. pkg-config gives flags that compile, link and run the same program.
@@ -10,7 +13,7 @@
 cmake_minimum_required(VERSION 3.16)
 
 foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR GOLDEN CONSUMER_SOURCE CONSUMER_BUILD GENERATOR CXX_COMPILER
-            EXPECTED_VERSION QT_MAJOR PACKAGE TOOL INCLUDE_ROOT OTHER_PACKAGE OTHER_TOOL OTHER_INCLUDE_ROOT)
+            EXPECTED_VERSION QT_MAJOR PACKAGE TOOL INCLUDE_ROOT OTHER_PACKAGE OTHER_TOOL OTHER_INCLUDE_ROOT READELF)
   if("${${var}}" STREQUAL "")
     message(FATAL_ERROR "install check: ${var} is not given")
   endif()
@@ -30,7 +33,8 @@ if(NOT EXISTS "${LIBRARY_FILE}")
 endif()
 
 # --- 1. install into a fresh prefix ------------------------------------------
-file(REMOVE_RECURSE "${PREFIX}" "${CONSUMER_BUILD}")
+set(moved_prefix "${PREFIX}-moved")
+file(REMOVE_RECURSE "${PREFIX}" "${moved_prefix}" "${CONSUMER_BUILD}")
 set(install_cmd ${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${PREFIX}")
 if(NOT "${CONFIG}" STREQUAL "")
   list(APPEND install_cmd --config "${CONFIG}")
@@ -95,6 +99,19 @@ if(NOT own_count EQUAL all_count)
   list(REMOVE_ITEM clashes ${shared})
   string(REPLACE ";" "\n  " clash_text "${clashes}")
   message(FATAL_ERROR "install check: the builds against Qt 5 and Qt 6 would both install\n  ${clash_text}")
+endif()
+
+# --- 1a. the tool finds the library by itself --------------------------------
+read_run_path(tool_run_path "${READELF}" "${PREFIX}/bin/${TOOL}")
+if(NOT tool_run_path STREQUAL "${RUN_PATH}")
+  message(FATAL_ERROR "install check: the installed ${TOOL} has the run path '${tool_run_path}', not '${RUN_PATH}'")
+endif()
+if(NOT RUN_PATH STREQUAL "")
+  check_tool_version("${PREFIX}/bin/${TOOL}")
+  # Nothing in the tree names the prefix: moved as a whole, it still runs.
+  file(RENAME "${PREFIX}" "${moved_prefix}")
+  check_tool_version("${moved_prefix}/bin/${TOOL}")
+  file(RENAME "${moved_prefix}" "${PREFIX}")
 endif()
 
 # --- 2. version compatibility ------------------------------------------------
@@ -173,7 +190,8 @@ endif()
 # Qt on Debian is built with reduced relocations, so Qt code needs -fPIC.
 set(pc_exe "${CONSUMER_BUILD}/edd_install_consumer_pkgconfig")
 run_step("compiling the consumer with pkg-config flags"
-  "${CXX_COMPILER}" -std=c++17 -fPIC -DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR} "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}"
+  "${CXX_COMPILER}" -std=c++17 -fPIC -DEDD_EXPECTED_QT_MAJOR=${QT_MAJOR} "-DEDD_EXPECTED_VERSION=\"${EXPECTED_VERSION}\""
+  "${CONSUMER_SOURCE}/main.cpp" -o "${pc_exe}"
   ${pc_flag_list})
 run_step("running the consumer built with pkg-config" "${pc_exe}")
 message(STATUS "pkg-config consumer: ${step_output}")

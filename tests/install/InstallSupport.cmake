@@ -1,7 +1,7 @@
-# What the install checks share; included by CheckInstall.cmake and
-# CheckSideBySide.cmake, which set CHECK_NAME (for messages) and the variables
-# that build_consumer reads: CONSUMER_SOURCE, GENERATOR, MAKE_PROGRAM,
-# CXX_COMPILER, CONFIG and EXPECTED_VERSION.
+# What the install checks share; included by CheckInstall.cmake,
+# CheckSideBySide.cmake and CheckWithoutRunPath.cmake, which set CHECK_NAME (for
+# messages) and the variables that build_consumer reads: CONSUMER_SOURCE,
+# GENERATOR, MAKE_PROGRAM, CXX_COMPILER, CONFIG and EXPECTED_VERSION.
 
 # Runs a command and stops with its output when it fails; leaves its standard
 # output in step_output.
@@ -61,4 +61,28 @@ function(build_consumer package major prefix build_dir)
   list(GET consumer_exe 0 consumer_exe)
   run_step("running the consumer of ${package}" "${consumer_exe}")
   set(step_output "${step_output}" PARENT_SCOPE)
+endfunction()
+
+# The run path written into an ELF file (RUNPATH or, from an older linker,
+# RPATH), as readelf -d shows it; empty when it has none.
+function(read_run_path out_var readelf file)
+  if("${readelf}" STREQUAL "" OR readelf MATCHES "NOTFOUND$")
+    message(FATAL_ERROR "${CHECK_NAME}: readelf was not found; it comes with binutils (build-essential)")
+  endif()
+  run_step("readelf -d ${file}" "${readelf}" -d "${file}")
+  set(found "")
+  if(step_output MATCHES "\\((RUNPATH|RPATH)\\)[^\n]*\\[([^]\n]*)\\]")
+    set(found "${CMAKE_MATCH_2}")
+  endif()
+  set(${out_var} "${found}" PARENT_SCOPE)
+endfunction()
+
+# Runs the installed tool's --version with no environment at all (no
+# LD_LIBRARY_PATH, no PATH) and checks its one line.
+function(check_tool_version tool_file)
+  run_step("env -i ${tool_file} --version" env -i "${tool_file}" --version)
+  set(line "^dossier ${EXPECTED_VERSION} \\(EmitterDossierDoc ${EXPECTED_VERSION}, Qt [0-9]+\\.[0-9]+\\.[0-9]+\\)\n$")
+  if(NOT step_output MATCHES "${line}")
+    message(FATAL_ERROR "${CHECK_NAME}: ${tool_file} --version printed '${step_output}'")
+  endif()
 endfunction()

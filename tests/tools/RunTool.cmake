@@ -2,7 +2,10 @@
 # gives: the exit code, and regular expressions on standard output and error.
 #
 #   cmake -DTOOL=... -DARGS=a|b|c -DRC=0 [-DOUT=regex] [-DERR=regex] [-DNO_OUT=regex]
-#         [-DWORKDIR=dir] [-DCOPY=from|to] [-DSTDIN=file] -P RunTool.cmake
+#         [-DWORKDIR=dir] [-DCOPY=from|to] [-DSTDIN=file] [-DERR_USAGE=ON] -P RunTool.cmake
+#
+# Every line on standard error must be one "dossier: " message, except with
+# ERR_USAGE, for a call whose standard error is the usage text.
 #
 # COPY copies a file to the name `to` in WORKDIR first, for names that the
 # source tree should not hold. STDIN sends a file to the tool's standard input
@@ -54,6 +57,9 @@ if(DEFINED ERR AND NOT err MATCHES "${ERR}")
   message(FATAL_ERROR "standard error does not match '${ERR}'\n${report}")
 endif()
 # Errors come one to a line, in the tool's own words, never as a crash.
+if(ERR_USAGE)
+  return()
+endif()
 string(REGEX MATCHALL "\n" newlines "${err}")
 list(LENGTH newlines lines)
 string(REGEX MATCHALL "dossier: " prefixes "${err}")

@@ -71,7 +71,7 @@ int runCheck(const QStringList& args)
         return Unreadable;
     }
     LoadOptions options;
-    if (!takeReadOptions(a, options))
+    if (!takeReadOptions(a, options) || !readsStandardInputOnce(a.positional))
         return Unreadable;
     options.validate = a.flags.contains(QStringLiteral("--strict"));
     int maxErrors = DefaultMaxErrors;
@@ -130,7 +130,8 @@ int runConvert(const QStringList& args)
     if (!takeReadOptions(a, options))
         return Unreadable;
     const QString target = a.values.value(QStringLiteral("-o"));
-    if (target.isEmpty() && to != Form::Xml && to != Form::Json && isatty(STDOUT_FILENO)) {
+    const bool toStandardOutput = target.isEmpty() || target == StandardStream;
+    if (toStandardOutput && to != Form::Xml && to != Form::Json && isatty(STDOUT_FILENO)) {
         error(QStringLiteral("will not write the %1 form to a terminal; use -o FILE or a pipe").arg(formName(to)));
         return Unreadable;
     }
@@ -146,7 +147,7 @@ int runConvert(const QStringList& args)
         error(e.GetMessage());
         return Unreadable;
     }
-    if (target.isEmpty()) {
+    if (toStandardOutput) {
         std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
         return std::fflush(stdout) == 0 ? Success : Unreadable;
     }

@@ -179,8 +179,15 @@ bool parseForm(const QString& name, Form& form)
 
 bool readInput(const QString& path, QByteArray& bytes, QString& problem)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QFile file;
+    bool opened = false;
+    if (path == StandardStream) {
+        opened = file.open(STDIN_FILENO, QIODevice::ReadOnly);
+    } else {
+        file.setFileName(path);
+        opened = file.open(QIODevice::ReadOnly);
+    }
+    if (!opened) {
         problem = QStringLiteral("%1: cannot open: %2").arg(path, file.errorString());
         return false;
     }
@@ -213,6 +220,14 @@ bool readInput(const QString& path, QByteArray& bytes, QString& problem)
         return false;
     }
     return true;
+}
+
+bool readsStandardInputOnce(const QStringList& paths)
+{
+    if (paths.count(StandardStream) <= 1)
+        return true;
+    error(QStringLiteral("standard input can be read only once: give - for one file at most"));
+    return false;
 }
 
 const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem)

@@ -277,7 +277,7 @@ int runDiff(const QStringList& args)
     }
     // --from raw --class NAME holds for both files.
     LoadOptions options;
-    if (!takeReadOptions(a, options))
+    if (!takeReadOptions(a, options) || !readsStandardInputOnce(a.positional))
         return Unreadable;
     Loaded left = load(a.positional.at(0), options);
     if (!left.error.isEmpty()) {

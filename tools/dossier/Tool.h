@@ -65,9 +65,17 @@ struct Loaded {
     QString error;                             // why the file could not be read; empty on success
 };
 
-// The whole of a file, which may be a pipe or a FIFO, read once. A file of
-// more than the size limit (--max-size) is refused before it is read whole.
+// The name that stands for standard input as a FILE and for standard output
+// as -o's OUT. Messages name it as given, "-".
+constexpr QLatin1String StandardStream("-");
+
+// The whole of a file, which may be a pipe or a FIFO, read once; "-" reads
+// standard input. A file of more than the size limit (--max-size) is refused
+// before it is read whole.
 bool readInput(const QString& path, QByteArray& bytes, QString& problem);
+// False, with the error printed, when "-" stands for more than one of the
+// files: standard input can be read only once.
+bool readsStandardInputOnce(const QStringList& paths);
 
 // The class of the tagged form in `bytes`, plain or compressed; a compressed
 // form is replaced by the tagged form it unpacks to, and `form` tells which it

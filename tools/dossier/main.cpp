@@ -3,7 +3,11 @@
 
 #include "Tool.h"
 
+#include <cstdio>
+
 #include <QCoreApplication>
+
+#include <EmitterDossierDoc/Version.h>
 
 namespace {
 
@@ -28,7 +32,7 @@ QString readingHelp(Reads reads)
     if (reads == Reads::AnyForm)
         text += QStringLiteral("XML, JSON, tagged and compressed input is recognised by itself; the raw form has\n"
                                "no marker and needs --from raw --class NAME.\n");
-    text += QStringLiteral("FILE may be a pipe, such as /dev/stdin. --max-size BYTES sets the largest file\n"
+    text += QStringLiteral("FILE may be - for standard input. --max-size BYTES sets the largest file\n"
                            "read and the most a compressed form may unpack to (default %1).\n\n"
                            "In what is printed, a backslash is written \\\\, a newline \\n, a carriage return\n"
                            "\\r, a tab \\t and any other control character (U+0000-U+001F, U+007F-U+009F)\n"
@@ -47,8 +51,9 @@ const Command Commands[] = {
      Reads::AnyForm},
     {"convert", runConvert,
      "convert FILE --to xml|tagged|compressed|raw|json [-o OUT] [--from raw --class NAME] [--max-size BYTES]",
-     "Writes the record of FILE in another form, to OUT or to standard output (binary forms\n"
-     "not to a terminal), as the library writes it. Any schema class may be the record.\n"
+     "Writes the record of FILE in another form, to OUT or to standard output (no -o, or\n"
+     "-o -; binary forms not to a terminal), as the library writes it. Any schema class may\n"
+     "be the record.\n"
      "JSON holds the record as {\"CLASS\": {...}}: set properties by name in the order of\n"
      "writing, enumerations by name, doubles exact, integers above 2^53 as strings.",
      Reads::AnyForm},
@@ -73,12 +78,26 @@ const Command Commands[] = {
      Reads::Nothing},
 };
 
-void usage()
+// The list of commands: on standard output when asked for, on standard error
+// after a call without a command.
+void usage(std::FILE* to)
 {
-    outText(QStringLiteral("usage: dossier COMMAND [OPTIONS]\n\ncommands:"));
+    QString text = QStringLiteral("usage: dossier COMMAND [OPTIONS]\n"
+                                  "       dossier --version\n\ncommands:\n");
     for (const Command& c : Commands)
-        outText(QStringLiteral("  %1").arg(QLatin1String(c.usage)));
-    outText(QStringLiteral("\n'dossier COMMAND --help' tells more about a command."));
+        text += QStringLiteral("  %1\n").arg(QLatin1String(c.usage));
+    text += QStringLiteral("\n'dossier COMMAND --help' tells more about a command.\n");
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), to);
+}
+
+// The tool's version is the version of the headers it was built with; the
+// library's is the one it runs with, which may be newer.
+QString versionLine()
+{
+    return QStringLiteral("dossier %1 (EmitterDossierDoc %2, Qt %3)")
+        .arg(QLatin1String(EMITTERDOSSIERDOC_VERSION_STRING), QLatin1String(EMITTERDOSSIERDOC::RuntimeVersion()),
+             QLatin1String(qVersion()));
 }
 
 // Qt's own warnings would break the rule of one line per error: the tool
@@ -92,9 +111,21 @@ int main(int argc, char** argv)
     QCoreApplication app(argc, argv);
     qInstallMessageHandler(quiet);
     QStringList args = app.arguments().mid(1);
-    if (args.isEmpty() || args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h")) {
-        usage();
-        return args.isEmpty() ? Unreadable : Success;
+    if (args.isEmpty()) {
+        usage(stderr);
+        return Unreadable;
+    }
+    if (args.first() == QLatin1String("--help") || args.first() == QLatin1String("-h")) {
+        usage(stdout);
+        return Success;
+    }
+    if (args.first() == QLatin1String("--version") || args.first() == QLatin1String("-V")) {
+        if (args.size() > 1) {
+            error(QStringLiteral("%1 takes no arguments").arg(args.first()));
+            return Unreadable;
+        }
+        outText(versionLine());
+        return Success;
     }
     const QString name = args.takeFirst();
     for (const Command& c : Commands) {
@@ -114,6 +145,9 @@ int main(int argc, char** argv)
         }
         return Unreadable;
     }
-    error(QStringLiteral("unknown command '%1'; 'dossier --help' lists them").arg(name));
+    if (name.startsWith(QLatin1Char('-')) && name != QLatin1String("-"))
+        error(QStringLiteral("unknown option %1; 'dossier --help' lists the commands and options").arg(name));
+    else
+        error(QStringLiteral("unknown command '%1'; 'dossier --help' lists them").arg(name));
     return Unreadable;
 }

@@ -1,8 +1,11 @@
 // Uses the installed library through its umbrella header: builds one value,
-// writes it as XML and checks the text, and the Qt it runs with.
+// writes it as XML and checks the text, the Qt it runs with, and the version
+// of the headers and of the library.
 #include <EmitterDossierDoc/EmitterDossierDoc.h>
+#include <EmitterDossierDoc/Version.h>
 
 #include <cstdio>
+#include <cstring>
 
 int main()
 {
@@ -15,6 +18,20 @@ int main()
         return 1;
     }
 #endif
+#ifdef EDD_EXPECTED_VERSION
+    // The installed header and library are of the version that was installed.
+    if (std::strcmp(EMITTERDOSSIERDOC_VERSION_STRING, EDD_EXPECTED_VERSION) != 0 ||
+        std::strcmp(EMITTERDOSSIERDOC::RuntimeVersion(), EDD_EXPECTED_VERSION) != 0) {
+        std::fprintf(stderr, "headers of version %s, library of version %s, expected %s\n",
+                     EMITTERDOSSIERDOC_VERSION_STRING, EMITTERDOSSIERDOC::RuntimeVersion(), EDD_EXPECTED_VERSION);
+        return 1;
+    }
+#endif
+    static_assert(EMITTERDOSSIERDOC_VERSION == EMITTERDOSSIERDOC_VERSION_CHECK(EMITTERDOSSIERDOC_VERSION_MAJOR,
+                                                                               EMITTERDOSSIERDOC_VERSION_MINOR,
+                                                                               EMITTERDOSSIERDOC_VERSION_PATCH),
+                  "the version number is not made of its parts");
+
     EMITTERDOSSIERDOC::AgeOutTime a;
     a.Setunit(a.NameTounit(QStringLiteral("s")));
     a.SetValue(12.5);
@@ -25,6 +42,7 @@ int main()
         std::fprintf(stderr, "expected %s in:\n%s\n", qPrintable(expected), qPrintable(xml));
         return 1;
     }
-    std::printf("ok: %s with Qt %s\n", qPrintable(expected), qVersion());
+    std::printf("ok: %s with EmitterDossierDoc %s and Qt %s\n", qPrintable(expected),
+                EMITTERDOSSIERDOC::RuntimeVersion(), qVersion());
     return 0;
 }
