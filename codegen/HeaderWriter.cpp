@@ -156,7 +156,8 @@ const char* const CommonDeclarations = R"cpp(    bool Is${X}Set() const;
 
 // The declarations of one property as a member group: its name, shape, bit
 // and tag as the group's title, its doc on the first accessor, which the
-// reference gives to every accessor of the group.
+// reference gives to every accessor of the group. The group's markers are
+// comment blocks of their own, so that the doc stays the first accessor's.
 QString declarations(const Field& f)
 {
     TemplateValues values = {{"X", f.name}, {"T", cppType(f)}, {"Item", f.className}};
@@ -182,7 +183,8 @@ QString declarations(const Field& f)
             name = "ChildDeclarations", text = ChildDeclarations;
         break;
     }
-    return render("PropertyTemplate", "\n    /// \\name ${description}\n    //@{\n${doc}${declarations}    //@}\n",
+    return render("PropertyTemplate",
+                  "\n    /// \\name ${description}\n    /** @{ */\n${doc}${declarations}    /** @} */\n",
                   {{"description", describe(f)},
                    {"doc", wrapWords(f.doc, QStringLiteral("    /// "))},
                    {"declarations", render(name, text, values)}});

@@ -58,7 +58,7 @@ public:
     /// value, texts when null, dates when not valid; a bool is always valid.
     /// SetInvalid gives a value that IsValid refuses. A record's own
     /// IsValid<X> decides the validity of its properties.
-    //@{
+    /** @{ */
     /// True if `value` is valid as the base sees it (see the group's text).
     virtual bool IsValid(float value) const;
     virtual bool IsValid(bool value) const;
@@ -68,9 +68,9 @@ public:
     virtual bool IsValid(const QString& value) const;
     virtual bool IsValid(double value) const;
     virtual bool IsValid(int value) const;
-    //@}
+    /** @} */
     /// \name Invalid plain values
-    //@{
+    /** @{ */
     /// Puts into `value` a value that IsValid refuses.
     virtual void SetInvalid(float& value) const;
     virtual void SetInvalid(unsigned int& value) const;
@@ -78,7 +78,7 @@ public:
     virtual void SetInvalid(QString& value) const;
     virtual void SetInvalid(double& value) const;
     virtual void SetInvalid(int& value) const;
-    //@}
+    /** @} */
 
     /// Writes the object's element, start tag to end tag, to `writer`.
     virtual void GetXml(QXmlStreamWriter& writer) const = 0;

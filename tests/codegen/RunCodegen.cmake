@@ -21,7 +21,7 @@ if(EXPECT STREQUAL "")
   endif()
   # The header carries the docs of the description for the API reference.
   file(READ ${OUT}/include/EmitterDossierDoc/cases/One.h one)
-  foreach(doc "/// A number with its unit.\n" "/// \\ingroup cases\n" "    /// \\name Value: text content, mandatory, bit 1, tag 0x8aff57b3\n    //@{\n    /// The number.\n")
+  foreach(doc "/// A number with its unit.\n" "/// \\ingroup cases\n" "    /// \\name Value: text content, mandatory, bit 1, tag 0x8aff57b3\n    /** @{ */\n    /// The number.\n")
     string(FIND "${one}" "${doc}" found)
     if(found EQUAL -1)
       message(FATAL_ERROR "the header of One lacks\n${doc}\nin:\n${one}")

@@ -54,7 +54,7 @@ public:
     void ReadValuesFromXml(QXmlStreamReader& reader);
 
     /// \name unit: attribute, mandatory, bit 0, tag 0xa5b3acfc
-    //@{
+    /** @{ */
     /// The unit of Value, by name; each member class admits its own names.
     const unit& Getunit() const;
     void Setunit(const unit& value);
@@ -68,10 +68,10 @@ public:
     unit NameTounit(const QString& name) const;
     static QStringList Getunits();
     static QStringList GetGUIunits();
-    //@}
+    /** @} */
 
     /// \name Value: text content, mandatory, bit 1, tag 0x8aff57b3
-    //@{
+    /** @{ */
     /// The measured number, in the unit.
     double GetValue() const;
     void SetValue(double value);
@@ -79,7 +79,7 @@ public:
     void ResetValue();
     bool IsValidValue(const double& value) const;
     const double GetDefaultValue() const;
-    //@}
+    /** @} */
 
 private:
     struct Data;

@@ -66,7 +66,7 @@ public:
     const Frame::ClassInfo& GetClassInfo() const override;
 
     /// \name ModulationType: element, mandatory, bit 0, tag 0xa57db950
-    //@{
+    /** @{ */
     /// The kind of modulation.
     const ModulationType& GetModulationType() const;
     void SetModulationType(const ModulationType& value);
@@ -80,10 +80,10 @@ public:
     ModulationType NameToModulationType(const QString& name) const;
     static QStringList GetModulationTypes();
     static QStringList GetGUIModulationTypes();
-    //@}
+    /** @} */
 
     /// \name OccurrencePercentage: element, optional, bit 1, tag 0xe5b84f43
-    //@{
+    /** @{ */
     /// How often the modulation occurred, in percent; no range is enforced.
     double GetOccurrencePercentage() const;
     void SetOccurrencePercentage(double value);
@@ -91,10 +91,10 @@ public:
     void ResetOccurrencePercentage();
     bool IsValidOccurrencePercentage(const double& value) const;
     const double GetDefaultOccurrencePercentage() const;
-    //@}
+    /** @} */
 
     /// \name ChipRate: child element, optional, bit 2, tag 0x2e8a15fd
-    //@{
+    /** @{ */
     /// The chip rate of a phase code, in Hz.
     ChipRate& GetChipRate();
     const ChipRate& GetChipRate() const;
@@ -103,10 +103,10 @@ public:
     void ResetChipRate();
     bool IsValidChipRate(const ChipRate& value) const;
     const ChipRate GetDefaultChipRate() const;
-    //@}
+    /** @} */
 
     /// \name ChipRateTol: child element, optional, bit 3, tag 0xaead72e9
-    //@{
+    /** @{ */
     /// The tolerance of the chip rate, in Hz.
     ChipRateTol& GetChipRateTol();
     const ChipRateTol& GetChipRateTol() const;
@@ -115,10 +115,10 @@ public:
     void ResetChipRateTol();
     bool IsValidChipRateTol(const ChipRateTol& value) const;
     const ChipRateTol GetDefaultChipRateTol() const;
-    //@}
+    /** @} */
 
     /// \name ModulationDuration: child element, optional, bit 4, tag 0xa358add2
-    //@{
+    /** @{ */
     /// How long the modulation lasts, in ns.
     ModulationDuration& GetModulationDuration();
     const ModulationDuration& GetModulationDuration() const;
@@ -127,10 +127,10 @@ public:
     void ResetModulationDuration();
     bool IsValidModulationDuration(const ModulationDuration& value) const;
     const ModulationDuration GetDefaultModulationDuration() const;
-    //@}
+    /** @} */
 
     /// \name ModulationDurationTol: child element, optional, bit 5, tag 0x6a1c80fb
-    //@{
+    /** @{ */
     /// The tolerance of the modulation duration, in ns.
     ModulationDurationTol& GetModulationDurationTol();
     const ModulationDurationTol& GetModulationDurationTol() const;
@@ -139,10 +139,10 @@ public:
     void ResetModulationDurationTol();
     bool IsValidModulationDurationTol(const ModulationDurationTol& value) const;
     const ModulationDurationTol GetDefaultModulationDurationTol() const;
-    //@}
+    /** @} */
 
     /// \name FreqShift: child element, optional, bit 6, tag 0x694ab06a
-    //@{
+    /** @{ */
     /// The frequency shift of a frequency modulation, in Hz.
     FreqShift& GetFreqShift();
     const FreqShift& GetFreqShift() const;
@@ -151,10 +151,10 @@ public:
     void ResetFreqShift();
     bool IsValidFreqShift(const FreqShift& value) const;
     const FreqShift GetDefaultFreqShift() const;
-    //@}
+    /** @} */
 
     /// \name FreqShiftTol: child element, optional, bit 7, tag 0xe673b861
-    //@{
+    /** @{ */
     /// The tolerance of the frequency shift, in Hz.
     FreqShiftTol& GetFreqShiftTol();
     const FreqShiftTol& GetFreqShiftTol() const;
@@ -163,10 +163,10 @@ public:
     void ResetFreqShiftTol();
     bool IsValidFreqShiftTol(const FreqShiftTol& value) const;
     const FreqShiftTol GetDefaultFreqShiftTol() const;
-    //@}
+    /** @} */
 
     /// \name TriangleRatio: element, optional, bit 8, tag 0x65fed013
-    //@{
+    /** @{ */
     /// The ratio of a triangular frequency law, a plain number.
     double GetTriangleRatio() const;
     void SetTriangleRatio(double value);
@@ -174,10 +174,10 @@ public:
     void ResetTriangleRatio();
     bool IsValidTriangleRatio(const double& value) const;
     const double GetDefaultTriangleRatio() const;
-    //@}
+    /** @} */
 
     /// \name TriangleRatioTol: element, optional, bit 9, tag 0x29139530
-    //@{
+    /** @{ */
     /// The tolerance of the triangle ratio.
     double GetTriangleRatioTol() const;
     void SetTriangleRatioTol(double value);
@@ -185,10 +185,10 @@ public:
     void ResetTriangleRatioTol();
     bool IsValidTriangleRatioTol(const double& value) const;
     const double GetDefaultTriangleRatioTol() const;
-    //@}
+    /** @} */
 
     /// \name Bandwidth: child element, optional, bit 10, tag 0xa4b08caa
-    //@{
+    /** @{ */
     /// The bandwidth of the modulation, in Hz.
     Bandwidth& GetBandwidth();
     const Bandwidth& GetBandwidth() const;
@@ -197,10 +197,10 @@ public:
     void ResetBandwidth();
     bool IsValidBandwidth(const Bandwidth& value) const;
     const Bandwidth GetDefaultBandwidth() const;
-    //@}
+    /** @} */
 
     /// \name BandwidthTol: child element, optional, bit 11, tag 0x64ceed83
-    //@{
+    /** @{ */
     /// The tolerance of the bandwidth, in Hz.
     BandwidthTol& GetBandwidthTol();
     const BandwidthTol& GetBandwidthTol() const;
@@ -209,10 +209,10 @@ public:
     void ResetBandwidthTol();
     bool IsValidBandwidthTol(const BandwidthTol& value) const;
     const BandwidthTol GetDefaultBandwidthTol() const;
-    //@}
+    /** @} */
 
     /// \name FMOPType: element, optional, bit 12, tag 0xad81b980
-    //@{
+    /** @{ */
     /// The direction of a frequency modulation on pulse: high to low or low to high.
     const FMOPType& GetFMOPType() const;
     void SetFMOPType(const FMOPType& value);
@@ -226,10 +226,10 @@ public:
     FMOPType NameToFMOPType(const QString& name) const;
     static QStringList GetFMOPTypes();
     static QStringList GetGUIFMOPTypes();
-    //@}
+    /** @} */
 
     /// \name FreqModulation: child element, optional, bit 13, tag 0x0eccbe9f
-    //@{
+    /** @{ */
     /// The frequency law of a frequency modulation.
     FreqModulation& GetFreqModulation();
     const FreqModulation& GetFreqModulation() const;
@@ -238,10 +238,10 @@ public:
     void ResetFreqModulation();
     bool IsValidFreqModulation(const FreqModulation& value) const;
     const FreqModulation GetDefaultFreqModulation() const;
-    //@}
+    /** @} */
 
     /// \name CodeSequence: child element, optional, bit 14, tag 0x0d6b1656
-    //@{
+    /** @{ */
     /// The code of a phase or bit coded modulation.
     CodeSequence& GetCodeSequence();
     const CodeSequence& GetCodeSequence() const;
@@ -250,10 +250,10 @@ public:
     void ResetCodeSequence();
     bool IsValidCodeSequence(const CodeSequence& value) const;
     const CodeSequence GetDefaultCodeSequence() const;
-    //@}
+    /** @} */
 
     /// \name id: attribute, mandatory, bit 15, tag 0x2767dd53
-    //@{
+    /** @{ */
     /// The id by which pulse items name this modulation.
     quint64 Getid() const;
     void Setid(quint64 value);
@@ -261,7 +261,7 @@ public:
     void Resetid();
     bool IsValidid(const quint64& value) const;
     const quint64 GetDefaultid() const;
-    //@}
+    /** @} */
 
 private:
     struct Data;
