@@ -29,6 +29,7 @@ packages=(
   clang
   libclang-rt-14-dev
   clang-format
+  doxygen
 )
 
 # One dpkg-query for all of them: a package it does not list as installed
