@@ -22,22 +22,35 @@ const char* const HeaderTemplate = R"cpp(${banner}#pragma once
 ${includes}
 namespace EMITTERDOSSIERDOC {
 
-${doc}// Element "${Class}", class id ${id}.
+${doc}///
+/// Element "${Class}", class id ${id}. Each property has its accessors in a
+/// group of its own, titled with its XML shape, presence, bit and tag.
+/// \ingroup ${subsystem}
 class EDD_EXPORT ${Class} : public Frame::Record {
 public:
 ${enums}
+    /// The class id, which is also the tag of the class's block in the tagged form.
     static constexpr qint64 id = ${id};
+    /// The class id, as #id.
     static qint64 GetId();
+    /// The class name without the namespace, "${Class}", which is also the element name.
     static QString GetStaticObjectName();
+    /// The field table of the class, for the functions of Reflection.h.
     static const Frame::ClassInfo& StaticClassInfo();
 ${translation}
+    /// An object without a payload; the payload is made at the first access.
     ${Class}();
+    /// A copy of `other`'s properties and validate flag; the logger is not taken over.
     ${Class}(const ${Class}& other);
-    // Takes the whole object over, logger included, and leaves `other` empty.
+    /// Takes the whole object over, logger included, and leaves `other` empty.
     ${Class}(${Class}&& other) noexcept;
+    /// Drops this object's share of its payload.
     ~${Class}() override;
+    /// Shares the payload of `other` until either side is accessed; name, flag and logger stay.
     ${Class}& operator=(const ${Class}& other);
+    /// True if both hold the same properties with the same values.
     bool operator==(const ${Class}& other) const;
+    /// The negation of operator==.
     bool operator!=(const ${Class}& other) const;
     const Frame::ClassInfo& GetClassInfo() const override;
 ${leaf}${version}${fields}
@@ -54,17 +67,20 @@ EDD_DECLARE_RELOCATABLE(EMITTERDOSSIERDOC::${Class});
 const char* const IncludeTemplate = "#include <EmitterDossierDoc/${subsystem}/${Class}.h>\n";
 
 const char* const TranslationTemplate =
-    "    static QString tr(const char* source, const char* comment = nullptr, int n = -1);\n"
-    "    static QString trUtf8(const char* source, const char* comment = nullptr, int n = -1);\n";
+    R"cpp(    /// QCoreApplication::translate in the context "EMITTERDOSSIERDOC::${Class}".
+    static QString tr(const char* source, const char* comment = nullptr, int n = -1);
+    /// As tr().
+    static QString trUtf8(const char* source, const char* comment = nullptr, int n = -1);
+)cpp";
 
-const char* const LeafTemplate = R"cpp(    // Reads the element the reader stands on; the body of ProcessXml.
+const char* const LeafTemplate = R"cpp(    /// Reads the element the reader stands on; the body of ProcessXml.
     void ReadValuesFromXml(QXmlStreamReader& reader);
 )cpp";
 
 const char* const VersionTemplate = R"cpp(
-    // The schema version, "${version}", written first in every form.
+    /// The schema version, "${version}", written first in every form.
     const QString& GetVersion() const override;
-    // The version text of what was last read; null until then.
+    /// The version text of what was last read; null until then.
     const QString& GetInitialVersionLoaded() const;
 )cpp";
 
@@ -138,7 +154,10 @@ const char* const CommonDeclarations = R"cpp(    bool Is${X}Set() const;
     void Reset${X}();
 )cpp";
 
-// The comment and declarations of one property.
+// The declarations of one property as a member group: its name, shape, bit
+// and tag as the group's title, its doc on the first accessor, which the
+// reference gives to every accessor of the group. The group's markers are
+// comment blocks of their own, so that the doc stays the first accessor's.
 QString declarations(const Field& f)
 {
     TemplateValues values = {{"X", f.name}, {"T", cppType(f)}, {"Item", f.className}};
@@ -164,7 +183,11 @@ QString declarations(const Field& f)
             name = "ChildDeclarations", text = ChildDeclarations;
         break;
     }
-    return QStringLiteral("\n    // ") + describe(f) + QLatin1Char('\n') + render(name, text, values);
+    return render("PropertyTemplate",
+                  "\n    /// \\name ${description}\n    /** @{ */\n${doc}${declarations}    /** @} */\n",
+                  {{"description", describe(f)},
+                   {"doc", wrapWords(f.doc, QStringLiteral("    /// "))},
+                   {"declarations", render(name, text, values)}});
 }
 
 // The enumeration type of an enum field, with its names in a comment.
@@ -173,8 +196,8 @@ QString enumeration(const Field& f)
     QStringList quoted;
     for (const QString& n : f.enumNames)
         quoted.append(QLatin1Char('"') + n + QLatin1Char('"'));
-    return wrapList(QStringLiteral("    // Index into the names "), quoted, QStringLiteral("    //     "),
-                    QStringLiteral("; 0xFF is invalid.")) +
+    return wrapList(QStringLiteral("    /// A value of ") + f.name + QStringLiteral(": an index into the names "),
+                    quoted, QStringLiteral("    ///     "), QStringLiteral("; 0xFF is invalid.")) +
            render("enumeration", "    enum ${X} : quint8 {};\n", {{"X", f.name}});
 }
 
@@ -200,11 +223,13 @@ QString headerText(const SchemaClass& c, const ClassMap& classes)
     return render("HeaderTemplate", HeaderTemplate,
                   {{"banner", banner(c.sourceFile.section(QLatin1Char('/'), -3))},
                    {"includes", includes},
-                   {"doc", c.doc.isEmpty() ? QString() : wrapWords(c.doc, QStringLiteral("// "))},
+                   {"doc", wrapWords(c.doc, QStringLiteral("/// "))},
                    {"Class", c.name},
+                   {"subsystem", subsystem(c)},
                    {"id", hex32(c.id)},
                    {"enums", enums},
-                   {"translation", c.hasEnum() ? render("TranslationTemplate", TranslationTemplate, {}) : QString()},
+                   {"translation",
+                    c.hasEnum() ? render("TranslationTemplate", TranslationTemplate, {{"Class", c.name}}) : QString()},
                    {"leaf", c.isLeaf() ? render("LeafTemplate", LeafTemplate, {}) : QString()},
                    {"version", c.version.isEmpty()
                                    ? QString()

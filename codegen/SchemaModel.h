@@ -22,6 +22,7 @@ struct Field {
     quint32 tag = 0;
     QStringList enumNames;  // for Enum, in index order
     QStringList flags;      // rules of the field beyond its kind and presence
+    QString doc;            // what the value is, one line
     QString file;
     int line = 0;
 };

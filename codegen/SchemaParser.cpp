@@ -130,6 +130,7 @@ private:
     }
 
     // "class Name 0xID" followed by rows, doc, enum and flag lines, and "end".
+    // "doc \"text\"" documents the class, "doc <field> \"text\"" one of its fields.
     bool parseClass(QString& error)
     {
         const Line& head = m_lines.at(m_pos++);
@@ -147,6 +148,7 @@ private:
         QHash<QString, int> enumLines;
         QVector<QPair<QString, QString>> flags;  // field, flag
         QVector<int> flagLines;
+        QVector<Line> fieldDocs;
         while (true) {
             if (m_pos >= m_lines.size())
                 return fail(head.number, QStringLiteral("class %1 has no 'end'").arg(cls.name), error);
@@ -154,7 +156,9 @@ private:
             const QString& word = line.words.first();
             if (word == QLatin1String("end"))
                 break;
-            if (word == QLatin1String("doc")) {
+            if (word == QLatin1String("doc") && line.words.size() == 3) {
+                fieldDocs.append(line);
+            } else if (word == QLatin1String("doc")) {
                 if (!parseDoc(line, cls.doc, error))
                     return false;
             } else if (word == QLatin1String("enum")) {
@@ -209,6 +213,8 @@ private:
                             error);
             target->flags.append(flags.at(i).second);
         }
+        if (!applyFieldDocs(fieldDocs, cls.name, cls.fields, error))
+            return false;
         m_schema.classes.append(cls);
         return true;
     }
@@ -223,6 +229,7 @@ private:
         QString doc;
         QVector<Field> rows;
         QVector<Line> members;
+        QVector<Line> fieldDocs;
         while (true) {
             if (m_pos >= m_lines.size())
                 return fail(head.number, QStringLiteral("family %1 has no 'end'").arg(head.words.at(1)), error);
@@ -230,7 +237,9 @@ private:
             const QString& word = line.words.first();
             if (word == QLatin1String("end"))
                 break;
-            if (word == QLatin1String("doc")) {
+            if (word == QLatin1String("doc") && line.words.size() == 3) {
+                fieldDocs.append(line);
+            } else if (word == QLatin1String("doc")) {
                 if (!parseDoc(line, doc, error))
                     return false;
             } else if (word == QLatin1String("member")) {
@@ -242,6 +251,8 @@ private:
                 rows.append(field);
             }
         }
+        if (!applyFieldDocs(fieldDocs, head.words.at(1), rows, error))
+            return false;
         int enumRows = 0;
         for (const Field& f : rows)
             enumRows += f.type == FieldType::Enum ? 1 : 0;
@@ -279,8 +290,33 @@ private:
     bool parseDoc(const Line& line, QString& doc, QString& error) const
     {
         if (line.words.size() != 2 || !isQuoted(line.words.at(1)))
-            return fail(line.number, QStringLiteral("expected: doc \"text\""), error);
+            return fail(line.number,
+                        QStringLiteral("expected: doc \"text\" or doc <field> \"text\", the text without quotes"),
+                        error);
         doc = unquote(line.words.at(1));
+        return true;
+    }
+
+    // "doc <field> \"text\"" lines: each names a field of `owner` once.
+    bool applyFieldDocs(const QVector<Line>& docs, const QString& owner, QVector<Field>& fields, QString& error) const
+    {
+        for (const Line& line : docs) {
+            if (!isIdentifier(line.words.at(1)) || !isQuoted(line.words.at(2)))
+                return fail(line.number, QStringLiteral("expected: doc <field> \"text\""), error);
+            Field* target = nullptr;
+            for (Field& field : fields)
+                if (field.name == line.words.at(1))
+                    target = &field;
+            if (!target)
+                return fail(line.number, QStringLiteral("'doc %1' names no field of %2").arg(line.words.at(1), owner),
+                            error);
+            if (!target->doc.isEmpty())
+                return fail(line.number, QStringLiteral("field %1 of %2 has a second doc").arg(target->name, owner),
+                            error);
+            target->doc = unquote(line.words.at(2));
+            if (target->doc.isEmpty())
+                return fail(line.number, QStringLiteral("the doc of %1 is empty").arg(target->name), error);
+        }
         return true;
     }
 
@@ -475,6 +511,19 @@ bool validateSchema(const Schema& schema, QString& error)
                     return false;
                 }
         }
+    }
+    // The API reference is written from these texts, so each class and field has one.
+    for (const SchemaClass& cls : schema.classes) {
+        if (cls.doc.isEmpty()) {
+            error = where(cls.file, cls.line) + QStringLiteral("class %1 has no doc \"text\" line").arg(cls.name);
+            return false;
+        }
+        for (const Field& f : cls.fields)
+            if (f.doc.isEmpty()) {
+                error = where(f.file, f.line) +
+                        QStringLiteral("field %1 of %2 has no doc %1 \"text\" line").arg(f.name, cls.name);
+                return false;
+            }
     }
     return true;
 }

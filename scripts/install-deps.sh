@@ -31,7 +31,8 @@ packages=(
   libclang-rt-14-dev
   clang-format
   libxml2-utils  # xmllint, for the tests of the XML Schema
-  groff-base
+  groff-base     # groff, for the test of the manual page
+  doxygen        # the API reference (target docs)
 )
 
 # One dpkg-query for all of them: a package it does not list as installed

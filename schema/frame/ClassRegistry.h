@@ -11,10 +11,12 @@
 namespace EMITTERDOSSIERDOC {
 namespace Frame {
 
+/// One class of the registry: its field table and a way to make an object of it.
 struct ClassEntry {
-    const ClassInfo& (*info)();
-    Record* (*create)();  // a new default object, owned by the caller
+    const ClassInfo& (*info)();  ///< the class's field table
+    Record* (*create)();         ///< a new default object, owned by the caller
 
+    /// The entry of class `C`.
     template <class C>
     static ClassEntry of()
     {
@@ -22,11 +24,12 @@ struct ClassEntry {
     }
 };
 
-// Every schema class, in the order of the schema description.
+/// Every schema class, in the order of the schema description.
 EDD_EXPORT const QVector<ClassEntry>& AllClasses();
 
-// The class of that name or id; null if there is none.
+/// The class of that name; null if there is none.
 EDD_EXPORT const ClassEntry* FindClass(const QString& name);
+/// The class of that id; null if there is none.
 EDD_EXPORT const ClassEntry* FindClass(qint64 id);
 
 }  // namespace Frame

@@ -12,33 +12,50 @@
 
 namespace EMITTERDOSSIERDOC {
 
-// A number with its unit: an element with a unit attribute and a decimal text.
-// Element "AgeOutTime", class id 0x02b5f4de.
+/// A number with its unit: an element with a unit attribute and a decimal text.
+///
+/// Element "AgeOutTime", class id 0x02b5f4de. Each property has its accessors in a
+/// group of its own, titled with its XML shape, presence, bit and tag.
+/// \ingroup values
 class EDD_EXPORT AgeOutTime : public Frame::Record {
 public:
-    // Index into the names "s"; 0xFF is invalid.
+    /// A value of unit: an index into the names "s"; 0xFF is invalid.
     enum unit : quint8 {};
 
+    /// The class id, which is also the tag of the class's block in the tagged form.
     static constexpr qint64 id = 0x02b5f4de;
+    /// The class id, as #id.
     static qint64 GetId();
+    /// The class name without the namespace, "AgeOutTime", which is also the element name.
     static QString GetStaticObjectName();
+    /// The field table of the class, for the functions of Reflection.h.
     static const Frame::ClassInfo& StaticClassInfo();
+    /// QCoreApplication::translate in the context "EMITTERDOSSIERDOC::AgeOutTime".
     static QString tr(const char* source, const char* comment = nullptr, int n = -1);
+    /// As tr().
     static QString trUtf8(const char* source, const char* comment = nullptr, int n = -1);
 
+    /// An object without a payload; the payload is made at the first access.
     AgeOutTime();
+    /// A copy of `other`'s properties and validate flag; the logger is not taken over.
     AgeOutTime(const AgeOutTime& other);
-    // Takes the whole object over, logger included, and leaves `other` empty.
+    /// Takes the whole object over, logger included, and leaves `other` empty.
     AgeOutTime(AgeOutTime&& other) noexcept;
+    /// Drops this object's share of its payload.
     ~AgeOutTime() override;
+    /// Shares the payload of `other` until either side is accessed; name, flag and logger stay.
     AgeOutTime& operator=(const AgeOutTime& other);
+    /// True if both hold the same properties with the same values.
     bool operator==(const AgeOutTime& other) const;
+    /// The negation of operator==.
     bool operator!=(const AgeOutTime& other) const;
     const Frame::ClassInfo& GetClassInfo() const override;
-    // Reads the element the reader stands on; the body of ProcessXml.
+    /// Reads the element the reader stands on; the body of ProcessXml.
     void ReadValuesFromXml(QXmlStreamReader& reader);
 
-    // unit: attribute, mandatory, bit 0, tag 0xa5b3acfc
+    /// \name unit: attribute, mandatory, bit 0, tag 0xa5b3acfc
+    /** @{ */
+    /// The unit of Value, by name; each member class admits its own names.
     const unit& Getunit() const;
     void Setunit(const unit& value);
     bool IsunitSet() const;
@@ -51,14 +68,18 @@ public:
     unit NameTounit(const QString& name) const;
     static QStringList Getunits();
     static QStringList GetGUIunits();
+    /** @} */
 
-    // Value: text content, mandatory, bit 1, tag 0x8aff57b3
+    /// \name Value: text content, mandatory, bit 1, tag 0x8aff57b3
+    /** @{ */
+    /// The measured number, in the unit.
     double GetValue() const;
     void SetValue(double value);
     bool IsValueSet() const;
     void ResetValue();
     bool IsValidValue(const double& value) const;
     const double GetDefaultValue() const;
+    /** @} */
 
 private:
     struct Data;

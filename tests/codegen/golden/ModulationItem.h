@@ -22,34 +22,52 @@
 
 namespace EMITTERDOSSIERDOC {
 
-// One observed modulation: its kind, occurrence, rates, durations, shifts, bandwidths and codes.
-// Element "ModulationItem", class id 0x027ad7b4.
+/// One observed modulation: its kind, occurrence, rates, durations, shifts, bandwidths and codes.
+///
+/// Element "ModulationItem", class id 0x027ad7b4. Each property has its accessors in a
+/// group of its own, titled with its XML shape, presence, bit and tag.
+/// \ingroup modulation
 class EDD_EXPORT ModulationItem : public Frame::Record {
 public:
-    // Index into the names "Unknown", "Unmodulated", "FM", "LFM", "NLFM", "SFM", "TFM", "PSK2", "PSK3", "PSK4", "PSKm",
-    //     "IrregularFM", "InterruptedFM", "CW", "InterruptedCW", "TooShort"; 0xFF is invalid.
+    /// A value of ModulationType: an index into the names "Unknown", "Unmodulated", "FM", "LFM", "NLFM", "SFM", "TFM",
+    ///     "PSK2", "PSK3", "PSK4", "PSKm", "IrregularFM", "InterruptedFM", "CW", "InterruptedCW",
+    ///     "TooShort"; 0xFF is invalid.
     enum ModulationType : quint8 {};
-    // Index into the names "Unknown", "High to Low", "Low to High"; 0xFF is invalid.
+    /// A value of FMOPType: an index into the names "Unknown", "High to Low", "Low to High"; 0xFF is invalid.
     enum FMOPType : quint8 {};
 
+    /// The class id, which is also the tag of the class's block in the tagged form.
     static constexpr qint64 id = 0x027ad7b4;
+    /// The class id, as #id.
     static qint64 GetId();
+    /// The class name without the namespace, "ModulationItem", which is also the element name.
     static QString GetStaticObjectName();
+    /// The field table of the class, for the functions of Reflection.h.
     static const Frame::ClassInfo& StaticClassInfo();
+    /// QCoreApplication::translate in the context "EMITTERDOSSIERDOC::ModulationItem".
     static QString tr(const char* source, const char* comment = nullptr, int n = -1);
+    /// As tr().
     static QString trUtf8(const char* source, const char* comment = nullptr, int n = -1);
 
+    /// An object without a payload; the payload is made at the first access.
     ModulationItem();
+    /// A copy of `other`'s properties and validate flag; the logger is not taken over.
     ModulationItem(const ModulationItem& other);
-    // Takes the whole object over, logger included, and leaves `other` empty.
+    /// Takes the whole object over, logger included, and leaves `other` empty.
     ModulationItem(ModulationItem&& other) noexcept;
+    /// Drops this object's share of its payload.
     ~ModulationItem() override;
+    /// Shares the payload of `other` until either side is accessed; name, flag and logger stay.
     ModulationItem& operator=(const ModulationItem& other);
+    /// True if both hold the same properties with the same values.
     bool operator==(const ModulationItem& other) const;
+    /// The negation of operator==.
     bool operator!=(const ModulationItem& other) const;
     const Frame::ClassInfo& GetClassInfo() const override;
 
-    // ModulationType: element, mandatory, bit 0, tag 0xa57db950
+    /// \name ModulationType: element, mandatory, bit 0, tag 0xa57db950
+    /** @{ */
+    /// The kind of modulation.
     const ModulationType& GetModulationType() const;
     void SetModulationType(const ModulationType& value);
     bool IsModulationTypeSet() const;
@@ -62,16 +80,22 @@ public:
     ModulationType NameToModulationType(const QString& name) const;
     static QStringList GetModulationTypes();
     static QStringList GetGUIModulationTypes();
+    /** @} */
 
-    // OccurrencePercentage: element, optional, bit 1, tag 0xe5b84f43
+    /// \name OccurrencePercentage: element, optional, bit 1, tag 0xe5b84f43
+    /** @{ */
+    /// How often the modulation occurred, in percent; no range is enforced.
     double GetOccurrencePercentage() const;
     void SetOccurrencePercentage(double value);
     bool IsOccurrencePercentageSet() const;
     void ResetOccurrencePercentage();
     bool IsValidOccurrencePercentage(const double& value) const;
     const double GetDefaultOccurrencePercentage() const;
+    /** @} */
 
-    // ChipRate: child element, optional, bit 2, tag 0x2e8a15fd
+    /// \name ChipRate: child element, optional, bit 2, tag 0x2e8a15fd
+    /** @{ */
+    /// The chip rate of a phase code, in Hz.
     ChipRate& GetChipRate();
     const ChipRate& GetChipRate() const;
     void SetChipRate(const ChipRate& value);
@@ -79,8 +103,11 @@ public:
     void ResetChipRate();
     bool IsValidChipRate(const ChipRate& value) const;
     const ChipRate GetDefaultChipRate() const;
+    /** @} */
 
-    // ChipRateTol: child element, optional, bit 3, tag 0xaead72e9
+    /// \name ChipRateTol: child element, optional, bit 3, tag 0xaead72e9
+    /** @{ */
+    /// The tolerance of the chip rate, in Hz.
     ChipRateTol& GetChipRateTol();
     const ChipRateTol& GetChipRateTol() const;
     void SetChipRateTol(const ChipRateTol& value);
@@ -88,8 +115,11 @@ public:
     void ResetChipRateTol();
     bool IsValidChipRateTol(const ChipRateTol& value) const;
     const ChipRateTol GetDefaultChipRateTol() const;
+    /** @} */
 
-    // ModulationDuration: child element, optional, bit 4, tag 0xa358add2
+    /// \name ModulationDuration: child element, optional, bit 4, tag 0xa358add2
+    /** @{ */
+    /// How long the modulation lasts, in ns.
     ModulationDuration& GetModulationDuration();
     const ModulationDuration& GetModulationDuration() const;
     void SetModulationDuration(const ModulationDuration& value);
@@ -97,8 +127,11 @@ public:
     void ResetModulationDuration();
     bool IsValidModulationDuration(const ModulationDuration& value) const;
     const ModulationDuration GetDefaultModulationDuration() const;
+    /** @} */
 
-    // ModulationDurationTol: child element, optional, bit 5, tag 0x6a1c80fb
+    /// \name ModulationDurationTol: child element, optional, bit 5, tag 0x6a1c80fb
+    /** @{ */
+    /// The tolerance of the modulation duration, in ns.
     ModulationDurationTol& GetModulationDurationTol();
     const ModulationDurationTol& GetModulationDurationTol() const;
     void SetModulationDurationTol(const ModulationDurationTol& value);
@@ -106,8 +139,11 @@ public:
     void ResetModulationDurationTol();
     bool IsValidModulationDurationTol(const ModulationDurationTol& value) const;
     const ModulationDurationTol GetDefaultModulationDurationTol() const;
+    /** @} */
 
-    // FreqShift: child element, optional, bit 6, tag 0x694ab06a
+    /// \name FreqShift: child element, optional, bit 6, tag 0x694ab06a
+    /** @{ */
+    /// The frequency shift of a frequency modulation, in Hz.
     FreqShift& GetFreqShift();
     const FreqShift& GetFreqShift() const;
     void SetFreqShift(const FreqShift& value);
@@ -115,8 +151,11 @@ public:
     void ResetFreqShift();
     bool IsValidFreqShift(const FreqShift& value) const;
     const FreqShift GetDefaultFreqShift() const;
+    /** @} */
 
-    // FreqShiftTol: child element, optional, bit 7, tag 0xe673b861
+    /// \name FreqShiftTol: child element, optional, bit 7, tag 0xe673b861
+    /** @{ */
+    /// The tolerance of the frequency shift, in Hz.
     FreqShiftTol& GetFreqShiftTol();
     const FreqShiftTol& GetFreqShiftTol() const;
     void SetFreqShiftTol(const FreqShiftTol& value);
@@ -124,24 +163,33 @@ public:
     void ResetFreqShiftTol();
     bool IsValidFreqShiftTol(const FreqShiftTol& value) const;
     const FreqShiftTol GetDefaultFreqShiftTol() const;
+    /** @} */
 
-    // TriangleRatio: element, optional, bit 8, tag 0x65fed013
+    /// \name TriangleRatio: element, optional, bit 8, tag 0x65fed013
+    /** @{ */
+    /// The ratio of a triangular frequency law, a plain number.
     double GetTriangleRatio() const;
     void SetTriangleRatio(double value);
     bool IsTriangleRatioSet() const;
     void ResetTriangleRatio();
     bool IsValidTriangleRatio(const double& value) const;
     const double GetDefaultTriangleRatio() const;
+    /** @} */
 
-    // TriangleRatioTol: element, optional, bit 9, tag 0x29139530
+    /// \name TriangleRatioTol: element, optional, bit 9, tag 0x29139530
+    /** @{ */
+    /// The tolerance of the triangle ratio.
     double GetTriangleRatioTol() const;
     void SetTriangleRatioTol(double value);
     bool IsTriangleRatioTolSet() const;
     void ResetTriangleRatioTol();
     bool IsValidTriangleRatioTol(const double& value) const;
     const double GetDefaultTriangleRatioTol() const;
+    /** @} */
 
-    // Bandwidth: child element, optional, bit 10, tag 0xa4b08caa
+    /// \name Bandwidth: child element, optional, bit 10, tag 0xa4b08caa
+    /** @{ */
+    /// The bandwidth of the modulation, in Hz.
     Bandwidth& GetBandwidth();
     const Bandwidth& GetBandwidth() const;
     void SetBandwidth(const Bandwidth& value);
@@ -149,8 +197,11 @@ public:
     void ResetBandwidth();
     bool IsValidBandwidth(const Bandwidth& value) const;
     const Bandwidth GetDefaultBandwidth() const;
+    /** @} */
 
-    // BandwidthTol: child element, optional, bit 11, tag 0x64ceed83
+    /// \name BandwidthTol: child element, optional, bit 11, tag 0x64ceed83
+    /** @{ */
+    /// The tolerance of the bandwidth, in Hz.
     BandwidthTol& GetBandwidthTol();
     const BandwidthTol& GetBandwidthTol() const;
     void SetBandwidthTol(const BandwidthTol& value);
@@ -158,8 +209,11 @@ public:
     void ResetBandwidthTol();
     bool IsValidBandwidthTol(const BandwidthTol& value) const;
     const BandwidthTol GetDefaultBandwidthTol() const;
+    /** @} */
 
-    // FMOPType: element, optional, bit 12, tag 0xad81b980
+    /// \name FMOPType: element, optional, bit 12, tag 0xad81b980
+    /** @{ */
+    /// The direction of a frequency modulation on pulse: high to low or low to high.
     const FMOPType& GetFMOPType() const;
     void SetFMOPType(const FMOPType& value);
     bool IsFMOPTypeSet() const;
@@ -172,8 +226,11 @@ public:
     FMOPType NameToFMOPType(const QString& name) const;
     static QStringList GetFMOPTypes();
     static QStringList GetGUIFMOPTypes();
+    /** @} */
 
-    // FreqModulation: child element, optional, bit 13, tag 0x0eccbe9f
+    /// \name FreqModulation: child element, optional, bit 13, tag 0x0eccbe9f
+    /** @{ */
+    /// The frequency law of a frequency modulation.
     FreqModulation& GetFreqModulation();
     const FreqModulation& GetFreqModulation() const;
     void SetFreqModulation(const FreqModulation& value);
@@ -181,8 +238,11 @@ public:
     void ResetFreqModulation();
     bool IsValidFreqModulation(const FreqModulation& value) const;
     const FreqModulation GetDefaultFreqModulation() const;
+    /** @} */
 
-    // CodeSequence: child element, optional, bit 14, tag 0x0d6b1656
+    /// \name CodeSequence: child element, optional, bit 14, tag 0x0d6b1656
+    /** @{ */
+    /// The code of a phase or bit coded modulation.
     CodeSequence& GetCodeSequence();
     const CodeSequence& GetCodeSequence() const;
     void SetCodeSequence(const CodeSequence& value);
@@ -190,14 +250,18 @@ public:
     void ResetCodeSequence();
     bool IsValidCodeSequence(const CodeSequence& value) const;
     const CodeSequence GetDefaultCodeSequence() const;
+    /** @} */
 
-    // id: attribute, mandatory, bit 15, tag 0x2767dd53
+    /// \name id: attribute, mandatory, bit 15, tag 0x2767dd53
+    /** @{ */
+    /// The id by which pulse items name this modulation.
     quint64 Getid() const;
     void Setid(quint64 value);
     bool IsidSet() const;
     void Resetid();
     bool IsValidid(const quint64& value) const;
     const quint64 GetDefaultid() const;
+    /** @} */
 
 private:
     struct Data;
