@@ -43,6 +43,7 @@ enum class JsonLayout : quint8 {
 ///
 /// Nothing is checked and nothing is reported: the record is written as it
 /// stands. Text is UTF-8; a lone UTF-16 surrogate is written as its \\u escape.
+/// Throws RKException only for a text beyond what a QByteArray holds (2 GiB).
 EDD_EXPORT QByteArray ToJson(const Record& record, JsonLayout layout = JsonLayout::Indented);
 
 /// Reads a document that ToJson writes into `record`, which must be of the class

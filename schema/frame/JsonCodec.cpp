@@ -58,7 +58,8 @@ public:
     void string(QStringView text)
     {
         // Each UTF-16 unit takes at most six bytes (\uXXXX); the quotes two.
-        char* out = room(int(6 * text.size() + 2));
+        const qint64 reserved = 6 * qint64(text.size()) + 2;
+        char* out = room(reserved);
         char* const start = out;
         *out++ = '"';
         const char16_t* s = reinterpret_cast<const char16_t*>(text.data());
@@ -100,7 +101,7 @@ public:
         }
         *out++ = '"';
         // Give back what the text did not need.
-        m_used -= int(6 * text.size() + 2) - int(out - start);
+        m_used -= int(reserved - (out - start));
     }
 
     void number(double value)
@@ -151,7 +152,7 @@ private:
     }
 
     // `size` more bytes at the end, for the caller to fill.
-    char* room(int size)
+    char* room(qint64 size)
     {
         const qint64 needed = qint64(m_used) + size;
         if (needed > m_bytes.size()) {
@@ -162,7 +163,7 @@ private:
             m_bytes.resize(int(qMin(MaxBytes, qMax(needed + 4096, 2 * qint64(m_bytes.size())))));
         }
         char* out = m_bytes.data() + m_used;
-        m_used += size;
+        m_used += int(size);
         return out;
     }
 
