@@ -61,7 +61,7 @@ options)
     expect "dossier check --" "--class --from --help --max-errors --max-size --strict" check --
     expect "dossier inspect --" "--help --max-size" inspect --
     expect "dossier show x --a" "--all" show x --a
-    expect "dossier convert x -" "--class --from --help --max-size --to -o" convert x -
+    expect "dossier convert x -" "--class --compact --from --help --max-size --to -o" convert x -
     # A number is for the user to write.
     expect "dossier check --max-size <tab>" "" check --max-size ""
     ;;

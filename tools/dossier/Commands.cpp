@@ -113,7 +113,7 @@ int runCheck(const QStringList& args)
 
 int runConvert(const QStringList& args)
 {
-    const Arguments a = parseArguments(args, {},
+    const Arguments a = parseArguments(args, {QStringLiteral("--compact")},
                                        readOptions() + QStringList{QStringLiteral("--to"), QStringLiteral("-o")});
     if (!a.problem.isEmpty() || a.positional.size() != 1 || !a.values.contains(QStringLiteral("--to"))) {
         error(a.problem.isEmpty() ? QStringLiteral("convert needs one file and --to xml|tagged|compressed|raw|json")
@@ -124,6 +124,11 @@ int runConvert(const QStringList& args)
     if (!parseForm(a.values.value(QStringLiteral("--to")), to)) {
         error(QStringLiteral("unknown form '%1' (xml, tagged, compressed, raw, json)")
                   .arg(a.values.value(QStringLiteral("--to"))));
+        return Unreadable;
+    }
+    const bool compact = a.flags.contains(QStringLiteral("--compact"));
+    if (compact && to != Form::Json) {
+        error(QStringLiteral("--compact is for --to json"));
         return Unreadable;
     }
     LoadOptions options;
@@ -142,7 +147,7 @@ int runConvert(const QStringList& args)
     }
     QByteArray bytes;
     try {
-        bytes = formBytes(*loaded.record, to);
+        bytes = formBytes(*loaded.record, to, compact ? Frame::JsonLayout::Compact : Frame::JsonLayout::Indented);
     } catch (const RKException& e) {
         error(e.GetMessage());
         return Unreadable;

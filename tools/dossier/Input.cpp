@@ -269,7 +269,7 @@ Loaded load(const QString& path, const LoadOptions& options)
     return loaded;
 }
 
-QByteArray formBytes(const Record& record, Form form)
+QByteArray formBytes(const Record& record, Form form, Frame::JsonLayout json)
 {
     switch (form) {
     case Form::Xml: {
@@ -283,7 +283,7 @@ QByteArray formBytes(const Record& record, Form form)
     case Form::Tagged: return record.GetBinaryRepresentationAsQByteArray();
     case Form::Compressed: return record.GetCompressedBinaryRepresentationAsQByteArray(9);
     case Form::Raw: return Frame::RawFormBytes(record);
-    case Form::Json: return Frame::ToJson(record);
+    case Form::Json: return Frame::ToJson(record, json);
     }
     return QByteArray();
 }

@@ -89,7 +89,8 @@ const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem);
 Loaded load(const QString& path, const LoadOptions& options);
 
 // The record in the given form, as bytes. Throws RKException if a writer refuses.
-QByteArray formBytes(const Record& record, Form form);
+QByteArray formBytes(const Record& record, Form form,
+                     EMITTERDOSSIERDOC::Frame::JsonLayout json = EMITTERDOSSIERDOC::Frame::JsonLayout::Indented);
 
 // Text for a person, with nothing in it that a terminal would act on: a
 // backslash becomes \\, a newline \n, a carriage return \r, a tab \t, and every

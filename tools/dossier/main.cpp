@@ -50,12 +50,14 @@ const Command Commands[] = {
      "record has faults, 2 if a file cannot be read.",
      Reads::AnyForm},
     {"convert", runConvert,
-     "convert FILE --to xml|tagged|compressed|raw|json [-o OUT] [--from raw --class NAME] [--max-size BYTES]",
+     "convert FILE --to xml|tagged|compressed|raw|json [--compact] [-o OUT] [--from raw --class NAME] "
+     "[--max-size BYTES]",
      "Writes the record of FILE in another form, to OUT or to standard output (no -o, or\n"
      "-o -; binary forms not to a terminal), as the library writes it. Any schema class may\n"
      "be the record.\n"
      "JSON holds the record as {\"CLASS\": {...}}: set properties by name in the order of\n"
-     "writing, enumerations by name, doubles exact, integers above 2^53 as strings.",
+     "writing, enumerations by name, doubles exact, integers above 2^53 as strings; indented\n"
+     "by two spaces a level, or with no whitespace at all with --compact.",
      Reads::AnyForm},
     {"show", runShow, "show [--all] FILE [--from raw --class NAME] [--max-size BYTES]",
      "Prints the record as an indented tree: properties in the order of the XML form, values\n"
