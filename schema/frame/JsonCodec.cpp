@@ -352,10 +352,16 @@ private:
 
     void readRecord(Record& r)
     {
-        Payload& p = Internal::payload(r);
         const ClassInfo& info = r.GetClassInfo();
         expectValue('{', "an object");
         skipSpace();
+        // An empty object makes no payload: a list of `{}` costs a handle an
+        // item, as the default items it reads as would.
+        if (peek() == '}' && !info.version) {
+            ++m_pos;
+            return;
+        }
+        Payload& p = Internal::payload(r);
         quint64 seen = 0;
         bool first = true;
         if (peek() == '}') {

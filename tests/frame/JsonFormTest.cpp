@@ -176,6 +176,21 @@ TEST(JsonRoundTrip, ValuesComeBackExactlyAsTheyWere)
     EXPECT_EQ(textBack.GetName(), text.GetName());
 }
 
+TEST(JsonRoundTrip, EmptyObjectsSetTheirChildAndItems)
+{
+    PulseItem item;
+    ASSERT_TRUE(Frame::FromJson(item, R"({"PulseItem":{"NormLevel":{}}})"));
+    EXPECT_TRUE(item.IsNormLevelSet());
+    EXPECT_FALSE(item.GetNormLevel().IsValueSet());
+    EXPECT_EQ(compact(item), QByteArray(R"({"PulseItem":{"NormLevel":{}}})"));
+
+    PulseList list;
+    ASSERT_TRUE(Frame::FromJson(list, R"({"PulseList":{"PulseItem":[{},{"id":7}]}})"));
+    ASSERT_EQ(list.GetPulseItem().size(), 2);
+    EXPECT_EQ(list.GetPulseItem()[1].Getid(), 7u);
+    EXPECT_EQ(compact(list), QByteArray(R"({"PulseList":{"PulseItem":[{},{"id":7}]}})"));
+}
+
 TEST(JsonRoundTrip, SamplesComeBackTheSameBytesFromXmlAndFromRaw)
 {
     for (const char* file : {"dossier.xml", "alternatives.xml"}) {
