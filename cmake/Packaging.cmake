@@ -31,9 +31,7 @@ set(EDD_INSTALL_PKGCONFIGDIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Hand-written public headers go where their forwarding headers stand.
 foreach(entry ${EDD_PUBLIC_HEADERS})
-  string(REPLACE "|" ";" parts "${entry}")
-  list(GET parts 0 source)
-  list(GET parts 1 folder)
+  edd_public_header(${entry} source folder)
   install(FILES ${PROJECT_SOURCE_DIR}/${source}
     DESTINATION ${EDD_INSTALL_INCLUDE_ROOT}/EmitterDossierDoc/${folder}
     COMPONENT Development)
