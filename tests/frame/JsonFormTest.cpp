@@ -9,6 +9,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QSet>
 
 #include <EmitterDossierDoc/frame/ClassRegistry.h>
 #include <EmitterDossierDoc/frame/Json.h>
@@ -213,6 +214,23 @@ TEST(JsonRoundTrip, SamplesComeBackTheSameBytesFromXmlAndFromRaw)
         ASSERT_TRUE(Frame::FromJson(*back, compact(*fromRaw)));
         EXPECT_EQ(Frame::RawFormBytes(*back), raw) << file;
     }
+}
+
+TEST(JsonRoundTrip, EveryObjectOfAFilledDossierComesBackEqualAsItsOwnDocument)
+{
+    const EmitterDossier dossier = filledDossier();
+    QSet<qint64> classes;
+    Frame::ForEachChecked(dossier, [&](const QString& path, const Frame::Record& object) {
+        const Frame::ClassEntry* entry = Frame::FindClass(Frame::ClassId(object.GetClassInfo()));
+        ASSERT_TRUE(entry) << path.toStdString();
+        std::unique_ptr<Frame::Record> back(entry->create());
+        QString error;
+        ASSERT_TRUE(Frame::FromJson(*back, Frame::ToJson(object), &error))
+            << path.toStdString() << ": " << error.toStdString();
+        EXPECT_TRUE(back->IsEqualTo(object)) << path.toStdString();
+        classes.insert(Frame::ClassId(object.GetClassInfo()));
+    });
+    EXPECT_EQ(classes.size(), Frame::AllClasses().size());
 }
 
 TEST(JsonRoundTrip, DossierOf50000PulsesComesBackTheSameBytes)
