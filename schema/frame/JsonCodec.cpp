@@ -209,6 +209,22 @@ private:
             m_out.put("null");
     }
 
+    // An array of `n` items at `depth`, each written by `writeItem(k)` on a line of its own.
+    template <class WriteItem>
+    void writeArray(int n, int depth, WriteItem writeItem)
+    {
+        m_out.put('[');
+        for (int k = 0; k < n; ++k) {
+            if (k > 0)
+                m_out.put(',');
+            m_out.newLine(depth + 1);
+            writeItem(k);
+        }
+        if (n > 0)
+            m_out.newLine(depth);
+        m_out.put(']');
+    }
+
     void writeRecord(const Record& r, int depth)
     {
         Payload& p = Internal::payload(r);
@@ -245,32 +261,12 @@ private:
             case Kind::Child: writeRecord(f.childOps().cget(slot), inner); break;
             case Kind::List: {
                 const ListOps& ops = f.listOps();
-                const int n = ops.size(slot);
-                m_out.put('[');
-                for (int k = 0; k < n; ++k) {
-                    if (k > 0)
-                        m_out.put(',');
-                    m_out.newLine(inner + 1);
-                    writeRecord(ops.cat(slot, k), inner + 1);
-                }
-                if (n > 0)
-                    m_out.newLine(inner);
-                m_out.put(']');
+                writeArray(ops.size(slot), inner, [&](int k) { writeRecord(ops.cat(slot, k), inner + 1); });
                 break;
             }
             case Kind::EnumList: {
                 const EnumListInfo& values = f.enumListInfo();
-                const int n = values.size(slot);
-                m_out.put('[');
-                for (int k = 0; k < n; ++k) {
-                    if (k > 0)
-                        m_out.put(',');
-                    m_out.newLine(inner + 1);
-                    enumValue(values.names, values.at(slot, k));
-                }
-                if (n > 0)
-                    m_out.newLine(inner);
-                m_out.put(']');
+                writeArray(values.size(slot), inner, [&](int k) { enumValue(values.names, values.at(slot, k)); });
                 break;
             }
             }
