@@ -66,8 +66,10 @@ struct Loaded {
 };
 
 // The name that stands for standard input as a FILE and for standard output
-// as -o's OUT. Messages name it as given, "-".
-constexpr QLatin1String StandardStream("-");
+// as -o's OUT. Messages name it as given, "-". The length is given so that
+// the constructor is a constant expression for every compiler (clang does not
+// take Qt 5's strlen in one).
+constexpr QLatin1String StandardStream("-", 1);
 
 // The whole of a file, which may be a pipe or a FIFO, read once; "-" reads
 // standard input. A file of more than the size limit (--max-size) is refused
