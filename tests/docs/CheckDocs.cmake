@@ -1,77 +1,48 @@
-# Builds the target docs and checks what it wrote.
+# Builds the target docs and checks the API reference: no Doxygen warning, the
+# main page, a page per subsystem listing its generated classes, class pages with
+# the docs of the description, a hand-written header under its include name.
 #   -DBUILD_DIR=<build> -DCONFIG=<config> -DHTML_DIR=<dir>
 #   -DSUBSYSTEMS_FILE=<schema/subsystems.txt> -DGENERATED_HEADERS=<a|b|...>
-
 cmake_minimum_required(VERSION 3.16)
 
-function(fail message)
-  message(FATAL_ERROR "docs.reference: ${message}")
-endfunction()
-
-# The page must hold every text given, as Doxygen writes it into the HTML.
-function(expect_texts page)
-  if(NOT EXISTS ${HTML_DIR}/${page})
-    fail("no page ${page}")
-  endif()
+# expect(PAGE TEXT...): the page holds every text, as Doxygen writes it into the HTML.
+function(expect page)
   file(READ ${HTML_DIR}/${page} html)
   foreach(text ${ARGN})
     string(FIND "${html}" "${text}" found)
     if(found EQUAL -1)
-      fail("${page} lacks the text\n  ${text}")
+      message(FATAL_ERROR "docs.reference: ${page} lacks the text\n  ${text}")
     endif()
   endforeach()
 endfunction()
 
-set(config_args)
-if(CONFIG)
-  set(config_args --config ${CONFIG})
-endif()
-execute_process(COMMAND ${CMAKE_COMMAND} --build ${BUILD_DIR} --target docs ${config_args}
+execute_process(COMMAND ${CMAKE_COMMAND} --build ${BUILD_DIR} --target docs --config "${CONFIG}"
   RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
 # Doxygen fails on a warning; the test also refuses one that it let pass.
-string(REGEX MATCH "(warning|error): [^\n]*" warning "${output}")
-if(NOT result EQUAL 0 OR warning)
-  fail("the build of the reference failed or warned:\n${output}")
+if(NOT result EQUAL 0 OR output MATCHES "(warning|error): ")
+  message(FATAL_ERROR "docs.reference: the build of the reference failed or warned:\n${output}")
 endif()
 
-# The main page.
-expect_texts(index.html "EmitterDossierDoc API reference" "Where to start" "EmitterDossierDoc.h")
-
-# A page per subsystem, and every generated class on the page of its folder.
+expect(index.html "EmitterDossierDoc API reference" "Where to start" "EmitterDossierDoc.h")
 file(STRINGS ${SUBSYSTEMS_FILE} subsystems REGEX "^[A-Za-z]")
-foreach(subsystem ${subsystems})
-  set(classes_of_${subsystem})
-endforeach()
 string(REPLACE "|" ";" headers "${GENERATED_HEADERS}")
 foreach(header ${headers})
-  get_filename_component(class ${header} NAME_WE)
-  get_filename_component(folder ${header} DIRECTORY)
-  get_filename_component(subsystem ${folder} NAME)
-  if(NOT subsystem IN_LIST subsystems)
-    fail("${header} is in no subsystem of ${SUBSYSTEMS_FILE}")
+  string(REGEX MATCH "([^/]+)/([^/]+)\\.h$" matched "${header}")
+  if(NOT CMAKE_MATCH_1 IN_LIST subsystems)
+    message(FATAL_ERROR "docs.reference: ${header} is in no subsystem of ${SUBSYSTEMS_FILE}")
   endif()
-  list(APPEND classes_of_${subsystem} "classEMITTERDOSSIERDOC_1_1${class}.html")
+  list(APPEND classes_of_${CMAKE_MATCH_1} "classEMITTERDOSSIERDOC_1_1${CMAKE_MATCH_2}.html")
 endforeach()
 foreach(subsystem ${subsystems})
-  if(NOT classes_of_${subsystem})
-    fail("the subsystem ${subsystem} has no generated class")
-  endif()
-  expect_texts(group__${subsystem}.html ${classes_of_${subsystem}})
+  expect(group__${subsystem}.html "classEMITTERDOSSIERDOC_1_1" ${classes_of_${subsystem}})
 endforeach()
-expect_texts(group__values.html "Measured values" "Numbers with their units.")
-
-# A class page carries the class's doc, element and id, and its fields' docs
-# grouped under the property's name.
-expect_texts(classEMITTERDOSSIERDOC_1_1Bearing.html
+expect(group__values.html "Measured values" "Numbers with their units.")
+# A class page: the class's doc, element and id, its fields' docs grouped under
+# the property's name; a family member carries the family's docs.
+expect(classEMITTERDOSSIERDOC_1_1Bearing.html
   "The direction to the emitter: azimuth and elevation with their tolerances, in one unit."
-  "Element \"Bearing\", class id 0x84cf0557."
-  "The azimuth of the direction to the emitter."
-  "unit: attribute, mandatory, bit 4, tag 0xa5b3acfc"
-  "GetAzimuth"
-  "IsElevationTolSet")
-# A family member carries the family's docs.
-expect_texts(classEMITTERDOSSIERDOC_1_1AgeOutTime.html
-  "A number with its unit: an element with a unit attribute and a decimal text."
-  "The measured number, in the unit.")
-# A hand-written header, under the name a user includes.
-expect_texts(classRECORDKIT_1_1IRKObject.html "EmitterDossierDoc/recordkit/IRKObject.h")
+  "Element \"Bearing\", class id 0x84cf0557." "The azimuth of the direction to the emitter."
+  "unit: attribute, mandatory, bit 4, tag 0xa5b3acfc" "GetAzimuth" "IsElevationTolSet")
+expect(classEMITTERDOSSIERDOC_1_1AgeOutTime.html
+  "A number with its unit: an element with a unit attribute and a decimal text." "The measured number, in the unit.")
+expect(classRECORDKIT_1_1IRKObject.html "EmitterDossierDoc/recordkit/IRKObject.h")
