@@ -89,7 +89,10 @@ private:
     {
         if (value.kind == TaggedValueKind::Null)
             return QStringLiteral(" null");
-        QString text = string ? value.text : QString::fromUtf8(value.bytes);
+        // Qt 6's fromUtf8 of a byte array reads past a NUL byte, Qt 5's stops
+        // there: the cut is made here, so that both builds show the same.
+        const int nul = value.bytes.indexOf('\0');
+        QString text = string ? value.text : QString::fromUtf8(nul < 0 ? value.bytes : value.bytes.left(nul));
         if (text.size() > MaxShownBytes)
             text = text.left(MaxShownBytes) + QStringLiteral("...");
         return QStringLiteral(" \"%1\"").arg(text);
