@@ -1,6 +1,6 @@
 # Run by CTest with cmake -P. Installs the main build into PREFIX, then proves
 # that the installed tree alone is enough to build and run a program:
-#   1. the installed files are those of installed-files.txt, no more, no fewer,
+#   1. the installed files are those of data/installed-files.txt, no more, no fewer,
 #      and none has the path of a file of the build against the other Qt;
 #   1a. the tool's run path is RUN_PATH (empty for none), and with one the tool
 #      runs from the prefix, and from the prefix moved elsewhere, with no
@@ -44,7 +44,7 @@ run_step("cmake --install" ${install_cmd})
 set(lib "${PREFIX}/${LIBDIR}")
 string(REGEX MATCH "^[0-9]+" major "${EXPECTED_VERSION}")
 
-# Every installed file, against the list in installed-files.txt: a header that
+# Every installed file, against the list in data/installed-files.txt: a header that
 # slips into the installed tree or out of it is a visible difference. The list
 # writes the library folder as @LIBDIR@, the folder that holds the
 # EmitterDossierDoc/ header folder as @INCLUDEROOT@, the package and tool names
