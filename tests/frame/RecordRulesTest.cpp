@@ -308,6 +308,50 @@ TEST(Append, RefusesIncompleteItemsWithTheFlagAndWarnsWithoutIt)
     EXPECT_TRUE(fresh.IsAlternativeSet() && fresh.HasData());
 }
 
+TEST(Enumerations, NamesLookupsAndDisplayNames)
+{
+    BeamPeakPower b;
+    EXPECT_EQ(BeamPeakPower::Getunits(), QStringList({QStringLiteral("dBm"), QString::fromUtf8("dB\xC2\xB5V")}));
+    EXPECT_EQ(BeamPeakPower::Getunits().at(1).at(2).unicode(), 0x00B5);
+    EXPECT_EQ(BeamPeakPower::GetGUIunits(), BeamPeakPower::Getunits());
+    EXPECT_EQ(b.NameTounit(QStringLiteral("dBm")), 0);
+    EXPECT_EQ(b.NameTounit(QStringLiteral("DBM")), 0xFF);
+    EXPECT_EQ(b.NameTounit(QString()), 0xFF);
+    EXPECT_TRUE(b.unitToName(BeamPeakPower::unit(0xFF)).isNull());
+    EXPECT_TRUE(b.unitToName(BeamPeakPower::unit(2)).isNull());
+    EXPECT_EQ(b.unitToName(BeamPeakPower::unit(1)), QString::fromUtf8("dB\xC2\xB5V"));
+    EXPECT_TRUE(b.IsValidunit(BeamPeakPower::unit(1)));
+    EXPECT_FALSE(b.IsValidunit(BeamPeakPower::unit(0x80)));  // negative when signed
+
+    CenterFrequency c;
+    EXPECT_EQ(c.NameTounit(QStringLiteral("hz")), 0xFF);
+    EXPECT_FALSE(c.IsValidunit(CenterFrequency::unit(1)));
+    EXPECT_EQ(AgeOutTime::tr("s"), QStringLiteral("s"));
+    EXPECT_EQ(AgeOutTime::trUtf8("s"), QStringLiteral("s"));
+}
+
+TEST(XmlLists, AListReadFromXmlHoldsLittleRoomBeyondItsItems)
+{
+    // Items come one at a time and the list grows by doubling; once the
+    // element ends, the room beyond its items is given back.
+    for (int count : {1, 5, 1000, 5000}) {
+        Alternatives written;
+        for (int i = 0; i < count; ++i) {
+            Alternative a;
+            a.SetName(QStringLiteral("A%1").arg(i));
+            a.SetDatabaseID(QStringLiteral("D"));
+            a.SetConfidence(0.5);
+            written.AppendAlternative(a);
+        }
+        Alternatives read;
+        ASSERT_TRUE(read.SetXmlString(written.GetXmlString(), false));
+        const QVector<Alternative>& items = read.GetAlternative();
+        ASSERT_EQ(items.size(), count);
+        EXPECT_LE(items.capacity() - items.size(), items.size() / 8) << count;
+        EXPECT_EQ(read, written);
+    }
+}
+
 TEST(Writers, WithTheFlagWriteNothingForNoDataAndRaiseBeforeWriting)
 {
     auto write = [](const Frame::Record& record, bool binary) {
