@@ -91,6 +91,15 @@ Counts counts()
     return {scaled(BasePulses), scaled(BasePris), scaled(BaseFrequencies), scaled(BaseSequences)};
 }
 
+FrequencyItem frequencyItem(quint64 id, double hz)
+{
+    FrequencyItem item;
+    item.Setid(id);
+    item.Setunit(FrequencyItem::unit(0));
+    item.SetValue(hz);
+    return item;
+}
+
 EmitterDossier makeBigDossier()
 {
     const Counts n = counts();
@@ -98,13 +107,16 @@ EmitterDossier makeBigDossier()
     ELINTParameter& p = d.GetELINTParameter();
     QVector<FrequencyItem>& frequencies = p.GetFrequencyBehavior().GetFrequencyList().GetFrequencyItem();
     for (int k = 0; k < n.frequencies; ++k)
-        frequencies.append(TestSupport::frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
+        frequencies.append(frequencyItem(quint64(100 + k), 9000000000.0 + 12500.25 * k));
     QVector<SequenceItem>& sequences = p.GetSequence().GetSequenceList().GetSequenceItem();
     for (int k = 0; k < n.sequences; ++k) {
         SequenceItem s;
         s.Setid(quint64(100 + k));
         s.SetFrequencyID(quint64(100 + k % n.frequencies));
-        s.SetDeadTime(TestSupport::unitScalar<DeadTime>(125.5));
+        DeadTime deadTime;
+        deadTime.Setunit(DeadTime::unit(0));
+        deadTime.SetValue(125.5);
+        s.SetDeadTime(deadTime);
         QVector<ElementItem>& elements = s.GetElementList().GetElementItem();
         for (int e = 0; e < ElementsPerSequence; ++e) {
             ElementItem element;
