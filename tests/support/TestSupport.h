@@ -43,8 +43,6 @@ inline std::shared_ptr<RecordingLogger> attachLogger(const RECORDKIT::IRKObject&
     return logger;
 }
 
-inline QByteArray hex(const char* text) { return QByteArray::fromHex(text); }
-
 // Texts in the wide Unicode forms, written here rather than through a codec,
 // which Qt 6 Core no longer has.
 enum class WideForm { Utf16LE, Utf16BE, Utf32LE, Utf32BE };
@@ -175,22 +173,6 @@ QString raisedMessage(const std::function<void()>& action)
         return e.GetMessage();
     }
     return QStringLiteral("<nothing raised>");
-}
-
-// Through XML, the tagged form and the raw form into fresh objects, each equal to the original.
-template <class T>
-void expectAllFormsRoundTrip(const T& original)
-{
-    T fromXml;
-    ASSERT_TRUE(fromXml.SetXmlString(original.GetXmlString(), false));
-    EXPECT_TRUE(fromXml == original) << original.GetXmlString().toStdString();
-    T fromTagged;
-    QByteArray bytes = original.GetBinaryRepresentationAsQByteArray();
-    ASSERT_TRUE(fromTagged.SetBinaryRepresentation(bytes));
-    EXPECT_TRUE(fromTagged == original);
-    T fromRaw;
-    readRaw(fromRaw, raw(original));
-    EXPECT_TRUE(fromRaw == original);
 }
 
 inline EMITTERDOSSIERDOC::Alternative makeAlternative(const char* name, const char* id, double confidence)
