@@ -11,11 +11,14 @@
 //   read-bytes HEX           SetBinaryRepresentation (the framed tagged or compressed form)
 //   read-tagged LENGTH HEX   SetBinary with that length
 //   read-raw HEX             the raw reader, on a stream of the library's version
-//   returns true|false       what the read gave (read-xml, read-bytes)
+//   read-json TEXT           FromJson; read-json-hex gives the document's bytes in hex
+//   returns true|false       what the read gave (read-xml, read-bytes, read-json)
+//   error TEXT               the error FromJson gives; without it, none may be given
 //   raises TYPE MESSAGE      the exception the read raises; without it, none may be raised
 //   status NAME              the raw stream's status after the read (Ok unless given)
 //   log LEVEL MESSAGE        each report, in order; without one, none may be made
 //   json JSON                the state after, as ToJson writes it compactly
+//   json-indented TEXT       the state after, as ToJson writes it indented, the last line end left out
 //   xml TEXT                 what GetXmlString writes after, the prologue left out
 //   tagged HEX / raw HEX     the block GetBinary writes (no tag) / the raw form, after
 //   bytes HEX                what GetBinaryRepresentationAsQByteArray writes, after
@@ -114,6 +117,7 @@ void runCase(const Case& c)
     QString returned = QStringLiteral("true");
     QString raised;
     QString status = QStringLiteral("Ok");
+    QString jsonError;
     try {
         for (const auto& line : c.lines) {
             const QString& key = line.first;
@@ -126,6 +130,11 @@ void runCase(const Case& c)
                 const int space = line.second.indexOf(QLatin1Char(' '));
                 readTagged(*object, QByteArray::fromHex(line.second.mid(space + 1).toLatin1()),
                            line.second.left(space).toInt());
+            } else if (key.startsWith(QLatin1String("read-json"))) {
+                const QByteArray json = key.endsWith(QLatin1String("-hex"))
+                                            ? QByteArray::fromHex(line.second.toLatin1())
+                                            : line.second.toUtf8();
+                returned = Frame::FromJson(*object, json, &jsonError) ? "true" : "false";
             } else if (key == QLatin1String("read-raw")) {
                 QByteArray bytes = QByteArray::fromHex(line.second.toLatin1());
                 QDataStream stream(bytes);
@@ -143,6 +152,7 @@ void runCase(const Case& c)
         raised = exceptionName(e) + QLatin1Char(' ') + e.GetMessage();
     }
     EXPECT_EQ(raised, c.value(QStringLiteral("raises")));
+    EXPECT_EQ(jsonError, c.value(QStringLiteral("error")));
     if (c.has(QStringLiteral("returns")))
         EXPECT_EQ(returned, c.value(QStringLiteral("returns")));
     EXPECT_EQ(status, c.has(QStringLiteral("status")) ? c.value(QStringLiteral("status")) : QStringLiteral("Ok"));
@@ -158,6 +168,8 @@ void runCase(const Case& c)
     for (const auto& line : c.lines) {
         if (line.first == QLatin1String("json"))
             EXPECT_EQ(QString::fromUtf8(Frame::ToJson(*object, Frame::JsonLayout::Compact)), line.second);
+        else if (line.first == QLatin1String("json-indented"))
+            EXPECT_EQ(QString::fromUtf8(Frame::ToJson(*object)), line.second + QLatin1Char('\n'));
         else if (line.first == QLatin1String("xml"))
             EXPECT_EQ(object->GetXmlString(), document(line.second));
         else if (line.first == QLatin1String("tagged"))
