@@ -12,6 +12,7 @@
 //   read-tagged LENGTH HEX   SetBinary with that length
 //   read-raw HEX             the raw reader, on a stream of the library's version
 //   read-json TEXT           FromJson; read-json-hex gives the document's bytes in hex
+//   check                    Check(true), which logs every fault; check-raising: Check()
 //   returns true|false       what the read gave (read-xml, read-bytes, read-json)
 //   error TEXT               the error FromJson gives; without it, none may be given
 //   raises TYPE MESSAGE      the exception the read raises; without it, none may be raised
@@ -130,6 +131,10 @@ void runCase(const Case& c)
                 const int space = line.second.indexOf(QLatin1Char(' '));
                 readTagged(*object, QByteArray::fromHex(line.second.mid(space + 1).toLatin1()),
                            line.second.left(space).toInt());
+            } else if (key == QLatin1String("check")) {
+                object->Check(true);
+            } else if (key == QLatin1String("check-raising")) {
+                object->Check();
             } else if (key.startsWith(QLatin1String("read-json"))) {
                 const QByteArray json = key.endsWith(QLatin1String("-hex"))
                                             ? QByteArray::fromHex(line.second.toLatin1())

@@ -246,45 +246,8 @@ TEST(Setters, ReportNullTextsAndInvalidEnumerationsByTheFlag)
     EXPECT_EQ(d.Getunit(), 0);  // the old value survives a raised setter
 }
 
-TEST(Check, RaisesTheFirstFaultOrLogsEveryFaultInBitOrder)
-{
-    BeamPeakPower b;
-    expectRaised<OutOfRangeException>([&] { b.Check(); }, QStringLiteral("BeamPeakPower: Please set unit properly."));
-    try {
-        b.Check();
-    } catch (const OutOfRangeException& e) {
-        EXPECT_STREQ(e.what(), "BeamPeakPower: Please set unit properly.");
-    }
-    auto logger = attachLogger(b);
-    b.Check(true);
-    EXPECT_EQ(messages(*logger),
-              QStringList({"BeamPeakPower: Please set unit properly.", "BeamPeakPower: Please set Value properly."}));
-    EXPECT_EQ(logger->entries[0].level, RECORDKIT::ERROR);
-
-    AgeOutTime invalidUnit;
-    invalidUnit.Setunit(AgeOutTime::unit(3));
-    invalidUnit.SetValue(1);
-    EXPECT_THROW(invalidUnit.Check(), OutOfRangeException);
-    EXPECT_NO_THROW(AgeOutTime().Check(true));  // traced to no logger
-
-    PulseWidth p;  // a statistic demands its unit only, and no order of its numbers
-    p.SetMin(5);
-    p.SetMax(1);
-    auto pLogger = attachLogger(p);
-    p.Check(true);
-    EXPECT_EQ(messages(*pLogger), QStringList{"PulseWidth: Please set unit properly."});
-
-    Alternatives list;  // an unset mandatory list, then the faults of its items
-    auto listLogger = attachLogger(list);
-    list.Check(true);
-    Alternative incomplete;
-    incomplete.SetName(QStringLiteral("A"));
-    list.SetAlternative({incomplete});
-    list.Check(true);
-    EXPECT_EQ(messages(*listLogger), QStringList({"Alternatives: Please set Alternative properly.",
-                                                  "Alternative: Please set DatabaseID properly.",
-                                                  "Alternative: Please set Confidence properly."}));
-}
+// What Check reports is in cases/check.txt; without a logger it reports nowhere.
+TEST(Check, WithoutALoggerLogsNowhere) { EXPECT_NO_THROW(AgeOutTime().Check(true)); }
 
 TEST(Append, RefusesIncompleteItemsWithTheFlagAndWarnsWithoutIt)
 {
