@@ -55,21 +55,16 @@ QByteArray qtBytes(const T& value, int version = QDataStream::Qt_DefaultCompiled
     return bytes;
 }
 
-QDateTime readByQt(const QByteArray& bytes, int version = QDataStream::Qt_DefaultCompiledVersion)
+QDateTime readByQt(const QByteArray& bytes, int version = QDataStream::Qt_DefaultCompiledVersion,
+                   QDataStream::Status* status = nullptr)
 {
     QDataStream stream(bytes);
     stream.setVersion(version);
     QDateTime value;
     stream >> value;
+    if (status)
+        *status = stream.status();
     return value;
-}
-
-QDataStream::Status readByQtStatus(const QByteArray& bytes)
-{
-    QDataStream stream(bytes);
-    QDateTime value;
-    stream >> value;
-    return stream.status();
 }
 
 // The raw form of a dossier, written with the given stream version.
@@ -87,7 +82,6 @@ QByteArray rawBytes(const EmitterDossier& d, int version = QDataStream::Qt_Defau
 struct RawRead {
     EmitterDossier dossier;
     QDataStream::Status status = QDataStream::Ok;
-    bool streamOk = false;
     bool atEnd = false;
 };
 
@@ -98,22 +92,16 @@ RawRead readRawBytes(const QByteArray& bytes, int version = QDataStream::Qt_Defa
     stream.setVersion(version);
     read.dossier.SetVersionSpecificBinaryWithoutValidation(stream);
     read.status = stream.status();
-    read.streamOk = stream.status() == QDataStream::Ok;
     read.atEnd = stream.atEnd();
     return read;
 }
 
-EmitterDossier bundledSample()
+// The bundled sample with another date.
+EmitterDossier sampleWithDate(const QDateTime& date)
 {
     EmitterDossier d;
     if (!d.LoadXml(QStringLiteral(EDD_EXAMPLES_DIR "/dossier.xml")))
         ADD_FAILURE() << "the bundled sample did not load";
-    return d;
-}
-
-EmitterDossier sampleWithDate(const QDateTime& date)
-{
-    EmitterDossier d = bundledSample();
     d.SetDetectionTime(date);
     return d;
 }
@@ -146,24 +134,16 @@ QByteArray sampleWithDateBytes(const QByteArray& dateBytes)
 QString millionCharacterId() { return QString(1000000, QLatin1Char('A')); }
 
 // What must hold after a refused date: the bit as the bitmap says, no date,
-// every byte consumed, and the fields behind the date as in the sample.
+// every byte consumed, and every other field, those behind the date too, as
+// in the sample.
 void expectNoDateAndTheRestIntact(const QByteArray& input)
 {
     RawRead read = readRawBytes(input);
     const EmitterDossier& d = read.dossier;
-    EXPECT_TRUE(read.streamOk);
+    EXPECT_EQ(read.status, QDataStream::Ok);
     EXPECT_TRUE(read.atEnd);
     EXPECT_TRUE(d.IsDetectionTimeSet());
-    EXPECT_FALSE(d.GetDetectionTime().isValid());
     EXPECT_TRUE(d.GetDetectionTime().isNull());
-
-    // Fields written after the date, with the sample's values.
-    EXPECT_EQ(d.GetDetectionDuration().GetValue(), 1500000000.0);
-    EXPECT_EQ(d.GetDetectionPosition().GetName(), QStringLiteral("Station North"));
-    EXPECT_EQ(d.GetBearing().GetAzimuth(), 271.25);
-    EXPECT_EQ(d.GetELINTParameter().GetComments(), QStringLiteral("Coastal surveillance radar, two modes"));
-
-    // All else equals the sample.
     EmitterDossier withDate = d;
     withDate.SetDetectionTime(berlinDate());
     EXPECT_TRUE(withDate == sampleWithDate(berlinDate()));
@@ -245,7 +225,7 @@ TEST(RawDate, EveryKindOfDateReadsAsQDataStreamReadsIt)
             const QDateTime viaQt = readByQt(qtBytes(date, version), version);
             const QByteArray bytes = rawBytes(sampleWithDate(date), version);
             RawRead read = readRawBytes(bytes, version);
-            EXPECT_TRUE(read.streamOk && read.atEnd);
+            EXPECT_TRUE(read.status == QDataStream::Ok && read.atEnd);
             const QDateTime& back = read.dossier.GetDetectionTime();
             EXPECT_EQ(back, viaQt);
             EXPECT_EQ(back.timeSpec(), viaQt.timeSpec());
@@ -280,7 +260,7 @@ TEST(RawDate, RefusedZoneIdsReadAsNoDateAndTheFieldsBehindStillRead)
 TEST(RawDate, AWellFormedUnlistedIdOfAnOffsetZoneMakesACustomZone)
 {
     RawRead read = readRawBytes(sampleWithDateBytes(offsetZoneDate(QStringLiteral("Edd/Other"), QLocale::France)));
-    EXPECT_TRUE(read.streamOk && read.atEnd);
+    EXPECT_TRUE(read.status == QDataStream::Ok && read.atEnd);
     const QDateTime& date = read.dossier.GetDetectionTime();
     EXPECT_EQ(date.timeZone().id(), QByteArray("Edd/Other"));
     EXPECT_EQ(date.offsetFromUtc(), 3600);
@@ -304,7 +284,9 @@ TEST(RawDate, ZoneIdCutShortFailsTheStream)
     const QByteArray whole = raw(sampleWithDate(berlinDate()));
     const QByteArray date = qtBytes(berlinDate());
     const QByteArray cutDate = date.left(date.size() - 6);  // three characters of "Europe/Berlin" missing
-    EXPECT_EQ(readByQtStatus(cutDate), QDataStream::ReadPastEnd);
+    QDataStream::Status qtStatus = QDataStream::Ok;
+    readByQt(cutDate, QDataStream::Qt_DefaultCompiledVersion, &qtStatus);
+    EXPECT_EQ(qtStatus, QDataStream::ReadPastEnd);
     RawRead read = readRawBytes(whole.left(whole.indexOf(date)) + cutDate);
     EXPECT_EQ(read.status, QDataStream::ReadPastEnd);
     EXPECT_TRUE(read.dossier.IsDetectionTimeSet());
