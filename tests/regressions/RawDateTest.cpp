@@ -24,7 +24,6 @@
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
-using TestSupport::Bytes;
 using TestSupport::raw;
 
 namespace {
@@ -52,6 +51,16 @@ QByteArray qtBytes(const T& value, int version = QDataStream::Qt_DefaultCompiled
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream.setVersion(version);
     stream << value;
+    return bytes;
+}
+
+// The bytes QDataStream writes for `values`, one after the other.
+template <class... T>
+QByteArray streamed(const T&... values)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    (stream << ... << values);
     return bytes;
 }
 
@@ -107,7 +116,7 @@ EmitterDossier sampleWithDate(const QDateTime& date)
 }
 
 // The head of a date in a named zone, up to the zone.
-QByteArray zoneDateHead() { return (Bytes() << SampleJulianDay << SampleMsecs << qint8(Qt::TimeZone)).bytes(); }
+QByteArray zoneDateHead() { return streamed(SampleJulianDay, SampleMsecs, qint8(Qt::TimeZone)); }
 
 QByteArray namedZoneDate(const QString& zoneId) { return zoneDateHead() + qtBytes(zoneId); }
 
@@ -115,10 +124,8 @@ QByteArray namedZoneDate(const QString& zoneId) { return zoneDateHead() + qtByte
 // abbreviation, country and comment.
 QByteArray offsetZoneDate(const QString& zoneId, qint32 country = 0)
 {
-    return zoneDateHead() + (Bytes() << QStringLiteral("OffsetFromUtc") << zoneId << qint32(3600)
-                                     << QStringLiteral("Zone name") << QStringLiteral("ZN") << country
-                                     << QStringLiteral("Zone comment"))
-                                .bytes();
+    return zoneDateHead() + streamed(QStringLiteral("OffsetFromUtc"), zoneId, qint32(3600), QStringLiteral("Zone name"),
+                                     QStringLiteral("ZN"), country, QStringLiteral("Zone comment"));
 }
 
 // The raw form of the bundled sample with its date, there in Europe/Berlin,
@@ -273,8 +280,7 @@ TEST(RawDate, AWellFormedUnlistedIdOfAnOffsetZoneMakesACustomZone)
 TEST(RawDate, UnknownTimeSpecReadsAsNoDate)
 {
     for (const qint8 timeKind : {qint8(4), qint8(0x7f), qint8(-1)})
-        expectNoDateAndTheRestIntact(
-            sampleWithDateBytes((Bytes() << SampleJulianDay << SampleMsecs << timeKind).bytes()));
+        expectNoDateAndTheRestIntact(sampleWithDateBytes(streamed(SampleJulianDay, SampleMsecs, timeKind)));
 }
 
 // A zone id cut short by the end of the input leaves the stream failed, as

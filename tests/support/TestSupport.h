@@ -111,39 +111,6 @@ inline void readRaw(EMITTERDOSSIERDOC::Frame::Record& object, const QByteArray& 
     EMITTERDOSSIERDOC::Frame::ReadRawForm(object, bytes);
 }
 
-// The bytes QDataStream gives for a sequence of values, to spell out expected layouts.
-class Bytes {
-public:
-    Bytes() : m_buffer(&m_bytes)
-    {
-        m_buffer.open(QIODevice::WriteOnly);
-        m_stream.setDevice(&m_buffer);
-    }
-    template <class T>
-    Bytes& operator<<(const T& value)
-    {
-        m_stream << value;
-        return *this;
-    }
-    Bytes& word(quint32 value)
-    {
-        m_stream << value;
-        return *this;
-    }
-    // A byte-array payload with its count.
-    Bytes& text(const char* utf8)
-    {
-        m_stream << QByteArray(utf8);
-        return *this;
-    }
-    QByteArray bytes() const { return m_bytes; }
-
-private:
-    QByteArray m_bytes;
-    QBuffer m_buffer;
-    QDataStream m_stream;
-};
-
 // An XML document as GetXmlString gives it: the prologue, the element, a line end.
 inline QString document(const QString& element)
 {
