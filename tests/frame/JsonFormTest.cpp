@@ -1,6 +1,6 @@
-// JSON documents of whole samples and of every class, their recognition, and
-// hostile input. What single documents read and write, and the faults they
-// give, are cases of cases/json.txt.
+// JSON documents of every class, their recognition, and hostile input. What
+// single documents read and write, and the faults they give, are cases of
+// cases/json.txt; the samples go through every form in the tool's tests.
 
 #include <gtest/gtest.h>
 
@@ -22,42 +22,7 @@ namespace {
 
 QByteArray compact(const Frame::Record& record) { return Frame::ToJson(record, JsonLayout::Compact); }
 
-// The XML document as the library writes it to a file.
-QByteArray xmlBytes(const Frame::Record& record)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QXmlStreamWriter writer(&buffer);
-    RECORDKIT::WriteXmlDocument(record, writer);
-    return bytes;
-}
-
 }  // namespace
-
-TEST(JsonRoundTrip, SamplesComeBackTheSameBytesFromXmlAndFromRaw)
-{
-    for (const char* file : {"dossier.xml", "alternatives.xml"}) {
-        QFile sample(QStringLiteral(EDD_EXAMPLES_DIR "/") + QLatin1String(file));
-        ASSERT_TRUE(sample.open(QIODevice::ReadOnly));
-        const QByteArray xml = sample.readAll();
-        const Frame::ClassEntry* entry = Frame::FindClass(QString::fromLatin1(file).startsWith(QLatin1String("d"))
-                                                              ? QStringLiteral("EmitterDossier")
-                                                              : QStringLiteral("Alternatives"));
-        std::unique_ptr<Frame::Record> fromXml(entry->create());
-        ASSERT_TRUE(fromXml->SetXmlBytes(xml));
-        std::unique_ptr<Frame::Record> fromJson(entry->create());
-        ASSERT_TRUE(Frame::FromJson(*fromJson, Frame::ToJson(*fromXml)));
-        EXPECT_EQ(xmlBytes(*fromJson), xml) << file;
-
-        const QByteArray raw = Frame::RawFormBytes(*fromXml);
-        std::unique_ptr<Frame::Record> fromRaw(entry->create());
-        Frame::ReadRawForm(*fromRaw, raw);
-        std::unique_ptr<Frame::Record> back(entry->create());
-        ASSERT_TRUE(Frame::FromJson(*back, compact(*fromRaw)));
-        EXPECT_EQ(Frame::RawFormBytes(*back), raw) << file;
-    }
-}
 
 TEST(JsonRoundTrip, EveryObjectOfAFilledDossierComesBackEqualAsItsOwnDocument)
 {

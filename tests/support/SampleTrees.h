@@ -12,25 +12,6 @@
 
 namespace TestSupport {
 
-template <class Scalar>
-Scalar unitScalar(double value, int unitIndex = 0)
-{
-    Scalar s;
-    s.Setunit(typename Scalar::unit(unitIndex));
-    s.SetValue(value);
-    return s;
-}
-
-inline EMITTERDOSSIERDOC::PRIItem priItem(quint64 id, double ns, int valType = 0)
-{
-    EMITTERDOSSIERDOC::PRIItem item;
-    item.Setid(id);
-    item.SetpRIValType(EMITTERDOSSIERDOC::PRIItem::pRIValType(valType));
-    item.Setunit(EMITTERDOSSIERDOC::PRIItem::unit(0));
-    item.SetValue(ns);
-    return item;
-}
-
 // Keeps the first `count` items, or adds copies of the file's items in turn,
 // numbered on, until there are `count`.
 template <class Item>
