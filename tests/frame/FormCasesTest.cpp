@@ -17,7 +17,7 @@
 //   error TEXT               the error FromJson gives; without it, none may be given
 //   raises TYPE MESSAGE      the exception the read raises; without it, none may be raised
 //   status NAME              the raw stream's status after the read (Ok unless given)
-//   log LEVEL MESSAGE        each report, in order; without one, none may be made
+//   log LEVEL MESSAGE        each report of the read and of the writes after, in order; without one, none
 //   json JSON                the state after, as ToJson writes it compactly
 //   json-indented TEXT       the state after, as ToJson writes it indented, the last line end left out
 //   xml TEXT                 what GetXmlString writes after, the prologue left out
@@ -161,14 +161,6 @@ void runCase(const Case& c)
     if (c.has(QStringLiteral("returns")))
         EXPECT_EQ(returned, c.value(QStringLiteral("returns")));
     EXPECT_EQ(status, c.has(QStringLiteral("status")) ? c.value(QStringLiteral("status")) : QStringLiteral("Ok"));
-    QStringList log, expectedLog;
-    for (const LogEntry& entry : logger->entries)
-        log << RECORDKIT::LogLevelNames().at(entry.level) + QLatin1Char(' ') + entry.message;
-    for (const auto& line : c.lines)
-        if (line.first == QLatin1String("log"))
-            expectedLog << line.second;
-    EXPECT_EQ(log, expectedLog);
-
     object->SetValidate(false);
     for (const auto& line : c.lines) {
         if (line.first == QLatin1String("json"))
@@ -185,6 +177,13 @@ void runCase(const Case& c)
         else if (line.first == QLatin1String("raw"))
             EXPECT_EQ(hexOf(raw(*object)), hexOf(QByteArray::fromHex(line.second.toLatin1())));
     }
+    QStringList log, expectedLog;
+    for (const LogEntry& entry : logger->entries)
+        log << RECORDKIT::LogLevelNames().at(entry.level) + QLatin1Char(' ') + entry.message;
+    for (const auto& line : c.lines)
+        if (line.first == QLatin1String("log"))
+            expectedLog << line.second;
+    EXPECT_EQ(log, expectedLog);
 }
 
 }  // namespace

@@ -324,17 +324,6 @@ TEST(Writers, WithTheFlagWriteNothingForNoDataAndRaiseBeforeWriting)
         EXPECT_THROW(written = write(b, binary), OutOfRangeException);
         EXPECT_EQ(written, QByteArray("untouched"));
     }
-
-    Alternatives lenient;
-    auto logger = attachLogger(lenient);
-    Alternative partial;
-    partial.SetName(QStringLiteral("A"));
-    lenient.AppendAlternative(partial);
-    logger->entries.clear();
-    EXPECT_EQ(lenient.GetXmlString(), document("<Alternatives>\n  <Alternative>\n    <Name>A</Name>\n"
-                                               "    <DatabaseID></DatabaseID>\n    <Confidence>0.00</Confidence>\n"
-                                               "  </Alternative>\n</Alternatives>"));
-    EXPECT_EQ(messages(*logger), QStringList{"Parameters for Alternative are not set properly in 'Alternatives'."});
 }
 
 TEST(Reflection, ReadsFieldsWithoutMarkingThemAndWalksWhatCheckGoesInto)
