@@ -64,13 +64,6 @@ struct UnpackLimit {
     ~UnpackLimit() { RECORDKIT::SetMaxUnpackedSize(-1); }
 };
 
-QByteArray sizeWord(quint32 size)
-{
-    QByteArray word(4, '\0');
-    qToBigEndian(size, word.data());
-    return word;
-}
-
 }  // namespace
 
 // --- Attributes per start tag ---------------------------------------------------
@@ -187,83 +180,28 @@ TEST(AttributeLimit, StartTagsAcrossTheReadersBuffersAreCounted)
 }
 
 // --- Unpacking ---------------------------------------------------------------------
+// The tool's tests read compressed files that state too much, too little or
+// more than their bytes can hold, cut streams, and forms at and over the limit.
+// Here, what no file of the tool reaches.
 
-TEST(UnpackLimit, AStatedSizeAboveTheLimitIsRefusedUnread)
+TEST(UnpackLimit, ShortFormsAndTheRatioAboveAnyLimitSayWhy)
 {
-    const EmitterDossier sample = filledDossier(20, 20);
-    QByteArray compressed = sample.GetCompressedBinaryRepresentationAsQByteArray(9);
-    const qint64 size = sample.GetBinaryRepresentationAsQByteArray().size();
-    {
-        UnpackLimit limit(size - 1);
-        EmitterDossier d;
-        auto logger = attachLogger(d);
-        EXPECT_FALSE(d.SetBinaryRepresentation(compressed));
-        ASSERT_EQ(logger->entries.size(), 1);
-        EXPECT_EQ(logger->entries.at(0).message,
-                  QStringLiteral("EmitterDossier: the compressed form states %1 bytes, more than the limit of %2 bytes")
-                      .arg(size)
-                      .arg(size - 1));
-        EXPECT_FALSE(d.IsInitialized());
-    }
-    UnpackLimit limit(size);
-    EmitterDossier d;
-    EXPECT_TRUE(d.SetBinaryRepresentation(compressed));
-    EXPECT_EQ(d, sample);
-}
-
-TEST(UnpackLimit, AFormThatUnpacksToMoreThanItStatesIsStopped)
-{
-    const QByteArray plain(100000, 'x');
-    QByteArray packed = qCompress(plain, 9);
-    packed.replace(0, 4, sizeWord(1000));
     QByteArray out;
     QString problem;
-    EXPECT_FALSE(RECORDKIT::Uncompress(packed, out, problem));
-    EXPECT_EQ(problem, QStringLiteral("the compressed form unpacks to more than the 1000 bytes it states"));
-    EXPECT_TRUE(out.isEmpty());
-}
-
-TEST(UnpackLimit, ExactAndShortFormsUnpackAsQtDoes)
-{
-    QByteArray plain;
-    for (int i = 0; i < 5000; ++i)
-        plain += QByteArray::number(i * 7919 % 1000);
-    const QByteArray packed = qCompress(plain, 6);
-    QByteArray out;
-    QString problem;
-    ASSERT_TRUE(RECORDKIT::Uncompress(packed, out, problem)) << problem.toStdString();
-    EXPECT_EQ(out, plain);
-    // A stated size above the real one is only room to spare.
-    QByteArray roomy = packed;
-    roomy.replace(0, 4, sizeWord(quint32(plain.size() + 500)));
-    ASSERT_TRUE(RECORDKIT::Uncompress(roomy, out, problem)) << problem.toStdString();
-    EXPECT_EQ(out, qUncompress(roomy));
-}
-
-TEST(UnpackLimit, BrokenFormsSayWhy)
-{
-    const QByteArray packed = qCompress(QByteArray(3000, 'y'));
-    QByteArray out;
-    QString problem;
-    EXPECT_FALSE(RECORDKIT::Uncompress(packed.left(packed.size() - 6), out, problem));
-    EXPECT_EQ(problem,
-              QStringLiteral("the compressed form cannot be decompressed: it ends before its zlib stream does"));
-    QByteArray corrupt = packed;
+    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("00ff"), out, problem));
+    EXPECT_EQ(problem, QStringLiteral("the compressed form ends inside its size word"));
+    QByteArray corrupt = qCompress(QByteArray(3000, 'y'));
     corrupt[6] = char(0xFF);
     corrupt[7] = char(0xFF);
     EXPECT_FALSE(RECORDKIT::Uncompress(corrupt, out, problem));
     EXPECT_TRUE(problem.startsWith(QStringLiteral("the compressed form cannot be decompressed: ")))
         << problem.toStdString();
-    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("00ff"), out, problem));
-    EXPECT_EQ(problem, QStringLiteral("the compressed form ends inside its size word"));
-    // 0xFFFFFFFF stated by ten bytes: refused by the ratio before the limit is asked.
+    // 0x7FFFFFFF stated by ten bytes: refused by the ratio before the limit is asked.
     UnpackLimit unlimited(qint64(1) << 40);
     EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("7fffffff789c00000000"), out, problem));
     EXPECT_EQ(problem,
               QStringLiteral("the compressed form states 2147483647 bytes, more than the limit of 2147483583 bytes"));
-    EXPECT_FALSE(RECORDKIT::Uncompress(QByteArray::fromHex("0fffffff789c00000000"), out, problem));
-    EXPECT_EQ(problem,
-              QStringLiteral("the compressed form states 268435455 bytes, more than 6 compressed bytes can hold"));
+    EXPECT_TRUE(out.isEmpty());
 }
 
 TEST(FormRecognition, XmlIsKnownInEveryEncodingTheReaderKnows)

@@ -130,18 +130,6 @@ void expectRaised(F&& action, const QString& message)
     }
 }
 
-// The message of the E that `action` raises, or a text that says nothing was raised.
-template <class E>
-QString raisedMessage(const std::function<void()>& action)
-{
-    try {
-        action();
-    } catch (const E& e) {
-        return e.GetMessage();
-    }
-    return QStringLiteral("<nothing raised>");
-}
-
 inline EMITTERDOSSIERDOC::Alternative makeAlternative(const char* name, const char* id, double confidence)
 {
     EMITTERDOSSIERDOC::Alternative a;
