@@ -84,80 +84,73 @@ inline const ClassEntry& rootEntry()
 }
 
 // --- One input of each target ---------------------------------------------------------
-// The first byte chooses the validate flag (bit 0); the rest is the input of the reader.
+// The first byte holds the flags (bit 0: validate), the rest is the reader's input.
+// `read` reads the input into a fresh record of `entry`, which is then exercised.
 
-// The XML readers of the root; bit 1 of the first byte asks for a check after
-// reading, bit 2 reads the bytes as they are (any encoding the document
-// gives) instead of as UTF-8 text.
-inline void runXml(const uint8_t* data, size_t size)
+template <class Read>
+void run(const ClassEntry& entry, const uint8_t* data, size_t size, Read read)
 {
     if (size < 1)
         return;
-    const ClassEntry& entry = rootEntry();
     auto record = fresh(entry, data[0] & 1);
-    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1));
-    if (data[0] & 4)
-        record->SetXmlBytes(bytes, data[0] & 2);
-    else
-        record->SetXmlString(QString::fromUtf8(bytes), data[0] & 2);
+    read(*record, QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1)), data[0]);
     exercise(entry, *record);
+}
+
+// The XML readers of the root: bit 1 asks for a check after reading, bit 2
+// reads the bytes as they are (any encoding the document gives) instead of as UTF-8 text.
+inline void runXml(const uint8_t* data, size_t size)
+{
+    run(rootEntry(), data, size, [](Record& record, const QByteArray& bytes, uint8_t flags) {
+        if (flags & 4)
+            record.SetXmlBytes(bytes, flags & 2);
+        else
+            record.SetXmlString(QString::fromUtf8(bytes), flags & 2);
+    });
 }
 
 // The tagged and compressed readers of the root, told apart by the class id in front.
 inline void runTagged(const uint8_t* data, size_t size)
 {
-    if (size < 1)
-        return;
-    const ClassEntry& entry = rootEntry();
-    auto record = fresh(entry, data[0] & 1);
-    QByteArray bytes(reinterpret_cast<const char*>(data + 1), int(size - 1));
-    record->SetBinaryRepresentation(bytes);
-    exercise(entry, *record);
+    run(rootEntry(), data, size, [](Record& record, const QByteArray& bytes, uint8_t) {
+        QByteArray copy(bytes.constData(), bytes.size());
+        record.SetBinaryRepresentation(copy);
+    });
 }
 
 // The raw reader of the root; the validate flag acts there only where items are appended.
 inline void runRaw(const uint8_t* data, size_t size)
 {
-    if (size < 1)
-        return;
-    const ClassEntry& entry = rootEntry();
-    auto record = fresh(entry, data[0] & 1);
-    readRaw(*record, QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1)));
-    exercise(entry, *record);
+    run(rootEntry(), data, size, [](Record& record, const QByteArray& bytes, uint8_t) { readRaw(record, bytes); });
 }
 
-// The JSON reader of every class: the first byte chooses the validate flag,
-// the document itself names its class (the root when it names none known).
+// The JSON reader of every class: the document names its class (the root when
+// it names none known).
 inline void runJson(const uint8_t* data, size_t size)
 {
-    if (size < 1)
-        return;
-    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1));
+    const QByteArray bytes = size < 1 ? QByteArray()
+                                      : QByteArray::fromRawData(reinterpret_cast<const char*>(data + 1), int(size - 1));
     const ClassEntry* named = EMITTERDOSSIERDOC::Frame::FindClass(EMITTERDOSSIERDOC::Frame::JsonRootName(bytes));
-    const ClassEntry& entry = named ? *named : rootEntry();
-    auto record = fresh(entry, data[0] & 1);
-    EMITTERDOSSIERDOC::Frame::FromJson(*record, bytes);
-    exercise(entry, *record);
+    run(named ? *named : rootEntry(), data, size,
+        [](Record& record, const QByteArray& json, uint8_t) { EMITTERDOSSIERDOC::Frame::FromJson(record, json); });
 }
 
 // The tagged reader of every class: the first byte chooses the class, the
-// second the validate flag, the rest is the records of one block, read with
+// second holds the flags, the rest is the records of one block, read with
 // SetBinary as a parent reads a child.
 inline void runAnyClass(const uint8_t* data, size_t size)
 {
-    if (size < 2)
+    if (size < 1)
         return;
     const auto& classes = EMITTERDOSSIERDOC::Frame::AllClasses();
-    const ClassEntry& entry = classes.at(data[0] % classes.size());
-    auto record = fresh(entry, data[1] & 1);
-    const QByteArray bytes = QByteArray::fromRawData(reinterpret_cast<const char*>(data + 2), int(size - 2));
-    QDataStream stream(bytes);
-    try {
-        record->SetBinary(stream, bytes.size());
-    } catch (const RKException&) {
-        // The length error, or a refused value with validation on.
-    }
-    exercise(entry, *record);
+    run(classes.at(data[0] % classes.size()), data + 1, size - 1, [](Record& record, const QByteArray& bytes, uint8_t) {
+        QDataStream stream(bytes);
+        try {
+            record.SetBinary(stream, bytes.size());
+        } catch (const RKException&) {
+            // The length error, or a refused value with validation on.
+        }
+    });
 }
 
 }  // namespace Fuzzing
