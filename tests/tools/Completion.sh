@@ -27,26 +27,16 @@ expect() {
     [[ $got == "$1" ]] || fail "dossier ${*:2}<tab>: completed to '$got', expected '$1'"
 }
 
-expect "convert" co
-expect "schema show" s
-expect "--help --version check convert diff inspect schema show" ""
-expect "--version" --v
-expect "--max-errors --max-size" check --m
-expect "--class --from --help --max-errors --max-size --strict" check --
-expect "--help --max-size" inspect --
-expect "--all" show x --a
-expect "--class --compact --from --help --max-size --to -o" convert x -
-# A number is for the user to write.
-expect "" check --max-size ""
+# The completions of data/completions.txt: EXPECTED|WORD|WORD..., the last
+# word the one completed (it may be empty).
+while IFS= read -r line; do
+    [[ -z $line || $line == \#* ]] && continue
+    IFS='|' read -r -a row <<<"$line|" # the added | keeps a last empty word
+    expect "${row[@]}"
+done <"$(dirname "$0")/data/completions.txt"
+
 # The forms that convert's usage line lists after --to.
 expect "$("$tool" convert --help | sed -n '1s/.* --to \([a-z|]*\).*/\1/p' | tr '|' '\n' | LC_ALL=C sort | paste -sd ' ')" convert x --to ""
-expect "tagged" convert x --to t
-expect "raw" check --from ""
-expect "raw" show x --from r
-expect "Alternative Alternatives" show x --from raw --class Alternat
-expect "Altitude" check --class Alti
-expect "Bearing" schema Bear
-expect "EmitterDossier" schema EmitterD
 classes=$(completions schema "" | wc -w)
 [[ $classes -eq $("$tool" schema | wc -l) ]] || fail "dossier schema <tab>: $classes classes, the tool lists more or fewer"
 
