@@ -38,6 +38,7 @@ using namespace TestSupport;
 
 namespace {
 
+// A key without a value has the empty value; one not given, the null one.
 struct Case {
     QString where;
     QVector<QPair<QString, QString>> lines;
@@ -49,13 +50,7 @@ struct Case {
                 return line.second;
         return QString();
     }
-    bool has(const QString& key) const
-    {
-        for (const auto& line : lines)
-            if (line.first == key)
-                return true;
-        return false;
-    }
+    bool has(const QString& key) const { return !value(key).isNull(); }
 };
 
 QVector<Case> readCases(const QString& path)
@@ -77,7 +72,7 @@ QVector<Case> readCases(const QString& path)
             continue;
         const int space = line.indexOf(QLatin1Char(' '));
         const QString key = space < 0 ? line : line.left(space);
-        const QString value = space < 0 ? QString() : line.mid(space + 1);
+        const QString value = space < 0 ? QStringLiteral("") : line.mid(space + 1);
         if (key == lastKey && key != QLatin1String("log"))
             cases.last().lines.last().second += QLatin1Char('\n') + value;
         else
@@ -89,15 +84,11 @@ QVector<Case> readCases(const QString& path)
 
 QString exceptionName(const RKException& e)
 {
-    if (dynamic_cast<const BinaryParsingException*>(&e))
-        return QStringLiteral("BinaryParsingException");
-    if (dynamic_cast<const IncompleteDefinitionException*>(&e))
-        return QStringLiteral("IncompleteDefinitionException");
-    if (dynamic_cast<const OutOfRangeException*>(&e))
-        return QStringLiteral("OutOfRangeException");
-    if (dynamic_cast<const InvalidXmlException*>(&e))
-        return QStringLiteral("InvalidXmlException");
-    return QStringLiteral("RKException");
+    return dynamic_cast<const BinaryParsingException*>(&e)          ? QStringLiteral("BinaryParsingException")
+           : dynamic_cast<const IncompleteDefinitionException*>(&e) ? QStringLiteral("IncompleteDefinitionException")
+           : dynamic_cast<const OutOfRangeException*>(&e)           ? QStringLiteral("OutOfRangeException")
+           : dynamic_cast<const InvalidXmlException*>(&e)           ? QStringLiteral("InvalidXmlException")
+                                                                    : QStringLiteral("RKException");
 }
 
 QString hexOf(const QByteArray& bytes) { return QString::fromLatin1(bytes.toHex(' ')); }
