@@ -1,7 +1,8 @@
 # Run by CTest with cmake -P. Installs the main build into PREFIX, then proves
 # that the installed tree alone is enough to build and run a program:
-#   1. the installed files are those of data/installed-files.txt, no more, no fewer,
-#      and none has the path of a file of the build against the other Qt;
+#   1. the installed files are those of data/installed-files.txt, no more, no fewer
+#      (that none has the path of a file of the build against the other Qt is
+#      for install.side-by-side, which installs both);
 #   1a. the tool's run path is RUN_PATH (empty for none), and with one the tool
 #      runs from the prefix, and from the prefix moved elsewhere, with no
 #      environment at all;
@@ -9,12 +10,11 @@
 #   3. a separate CMake project finds the package in PREFIX, builds and runs;
 #   4. pkg-config gives its version, and flags that name the prefix and
 #      compile, link and run the same program.
-# PACKAGE, TOOL and INCLUDE_ROOT are the names of this build (Qt QT_MAJOR),
-# OTHER_PACKAGE, OTHER_TOOL and OTHER_INCLUDE_ROOT those of the other one.
+# PACKAGE, TOOL and INCLUDE_ROOT are the names of this build (Qt QT_MAJOR).
 cmake_minimum_required(VERSION 3.16)
 
 foreach(var BUILD_DIR LIBRARY_FILE PREFIX LIBDIR GOLDEN CONSUMER_SOURCE CONSUMER_BUILD GENERATOR CXX_COMPILER
-            EXPECTED_VERSION QT_MAJOR PACKAGE TOOL INCLUDE_ROOT OTHER_PACKAGE OTHER_TOOL OTHER_INCLUDE_ROOT READELF)
+            EXPECTED_VERSION QT_MAJOR PACKAGE TOOL INCLUDE_ROOT READELF)
   if("${${var}}" STREQUAL "")
     message(FATAL_ERROR "install check: ${var} is not given")
   endif()
@@ -86,20 +86,6 @@ if(extra OR missing)
   message(FATAL_ERROR "install check: the installed files differ from ${GOLDEN}\n"
                       "installed but not listed:\n  + ${extra_text}\n"
                       "listed but not installed:\n  - ${missing_text}")
-endif()
-
-# The build against the other Qt installs the same list under its own names:
-# no file of one may have the path of a file of the other.
-expand_list(other_expanded "${OTHER_PACKAGE}" "${OTHER_TOOL}" "${OTHER_INCLUDE_ROOT}")
-set(shared ${expanded})
-list(REMOVE_ITEM shared ${other_expanded})
-list(LENGTH expanded all_count)
-list(LENGTH shared own_count)
-if(NOT own_count EQUAL all_count)
-  set(clashes ${expanded})
-  list(REMOVE_ITEM clashes ${shared})
-  string(REPLACE ";" "\n  " clash_text "${clashes}")
-  message(FATAL_ERROR "install check: the builds against Qt 5 and Qt 6 would both install\n  ${clash_text}")
 endif()
 
 # --- 1a. the tool finds the library by itself --------------------------------
