@@ -45,17 +45,26 @@ TEST(JsonRoundTrip, EveryObjectOfAFilledDossierComesBackEqualAsItsOwnDocument)
 
 TEST(JsonDocument, IsRecognisedByItsFirstCharacterAndNamesItsClass)
 {
-    EXPECT_TRUE(Frame::LooksLikeJson("\xEF\xBB\xBF \n\t{"));
+    EXPECT_TRUE(Frame::LooksLikeJson("\xEF\xBB\xBF \r\n\t{"));
     EXPECT_FALSE(Frame::LooksLikeJson(" <EmitterDossier/>"));
     EXPECT_FALSE(Frame::LooksLikeJson(""));
     EXPECT_EQ(Frame::JsonRootName(R"( {"Alternatives": {}})"), QStringLiteral("Alternatives"));
     QString problem;
     EXPECT_EQ(Frame::JsonRootName("[1]", &problem), QString());
     EXPECT_EQ(problem, QStringLiteral("JSON error at $ (line 1, column 1): expected an object, found an array"));
-    // A document with a byte order mark reads as one without.
-    AgeOutTime age;
-    ASSERT_TRUE(Frame::FromJson(age, "\xEF\xBB\xBF{\"AgeOutTime\":{\"Value\":2}}"));
-    EXPECT_EQ(age.GetValue(), 2.0);
+}
+
+// A child that was given another flag through its own handle takes its parent's
+// for the read, as the other forms hand it down.
+TEST(JsonDocument, TheReadHandsTheFlagDownToTheChildrenItReadsInto)
+{
+    PulseItem item;
+    item.SetValidate(true);
+    item.GetNormLevel().SetValidate(false);
+    ASSERT_FALSE(item.GetNormLevel().GetValidate());
+    QString error;
+    EXPECT_FALSE(Frame::FromJson(item, R"({"PulseItem":{"NormLevel":{"unit":null}}})", &error));
+    EXPECT_EQ(error, QStringLiteral("enum is not valid (classname=NormLevel,membername=m_unit)"));
 }
 
 // --- Hostile input -------------------------------------------------------------------

@@ -10,25 +10,20 @@
 using namespace EMITTERDOSSIERDOC;
 using namespace TestSupport;
 
+template <class E>
+void expectRaiseThrowsItsClass()
+{
+    const E exception(QStringLiteral("d"));
+    const RKException& base = exception;
+    EXPECT_THROW(base.Raise(), E);
+}
+
 TEST(Exceptions, RaiseThrowsTheConcreteClass)
 {
-    OutOfRangeException outOfRange(QStringLiteral("a"));
-    IncompleteDefinitionException incomplete(QStringLiteral("b"));
-    InvalidXmlException invalidXml(QStringLiteral("c"));
-    BinaryParsingException parsing(QStringLiteral("d"));
-    const RKException& base1 = outOfRange;
-    const RKException& base2 = incomplete;
-    const RKException& base3 = invalidXml;
-    const RKException& base4 = parsing;
-    EXPECT_THROW(base1.Raise(), OutOfRangeException);
-    EXPECT_THROW(base2.Raise(), IncompleteDefinitionException);
-    EXPECT_THROW(base3.Raise(), InvalidXmlException);
-    EXPECT_THROW(base4.Raise(), BinaryParsingException);
-    try {
-        base4.Raise();
-    } catch (const std::exception& e) {
-        EXPECT_STREQ(e.what(), "d");
-    }
+    expectRaiseThrowsItsClass<OutOfRangeException>();
+    expectRaiseThrowsItsClass<IncompleteDefinitionException>();
+    expectRaiseThrowsItsClass<InvalidXmlException>();
+    expectRaiseThrowsItsClass<BinaryParsingException>();
 }
 
 TEST(Exceptions, MessageIsKeptInFull)

@@ -1,16 +1,10 @@
-// Every truncation and every single-bit flip of one small, complete dossier
-// (data/sweep-dossier.xml) in the tagged, compressed and raw forms, each read
-// with the validate flag off and on. Every input first goes through the steps
-// of the fuzz targets (read, check, write in every form, read back); then what
-// was read is held to what the damage allows:
-//  - the whole input reads back equal to the dossier;
-//  - a cut tagged or compressed form is refused, a cut raw form leaves the
-//    stream failed;
-//  - a flipped compressed form is refused or reads as the dossier, since zlib
-//    checks what it unpacks; a flipped class id of the tagged form is refused;
-//  - whatever a read leaves in a record, its tagged form reads back and, after
-//    one pass, is written again unchanged.
-// The inputs are dealt out to chunks, each its own test, which ctest runs side by side.
+// Every truncation and single-bit flip of a small, complete dossier
+// (data/sweep-dossier.xml) in the tagged, compressed and raw forms, read with
+// the validate flag off and on, after the steps of the fuzz targets. A cut form
+// is refused (raw: the stream fails); a flipped compressed form is refused or
+// reads as the dossier (zlib checks what it unpacks); a flipped class id is
+// refused; whatever is read writes a tagged form that reads back and settles
+// after one pass. The inputs are dealt out to chunks that ctest runs side by side.
 
 #include <gtest/gtest.h>
 
