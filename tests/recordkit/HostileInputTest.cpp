@@ -87,10 +87,9 @@ TEST(AttributeLimit, PastTheLimitEveryWayInIsStoppedAtItsLine)
                  file.close();
                  return list.LoadXml(path);
              }}};
-        for (const WideFormName& wide : WideForms)
-            ways.push_back({wide.name, [&, wide](Alternatives& list) {
-                                return list.SetXmlBytes(encodeWide(document, wide.form));
-                            }});
+        for (const WideForm& wide : WideForms)
+            ways.push_back(
+                {wide.name, [&, wide](Alternatives& list) { return list.SetXmlBytes(encodeWide(document, wide)); }});
         for (const auto& way : ways) {
             SCOPED_TRACE(way.first + ", " + std::to_string(count) + " attributes");
             Alternatives list;
@@ -209,10 +208,10 @@ TEST(FormRecognition, XmlIsKnownInEveryEncodingTheReaderKnows)
     const QString document = QStringLiteral(" \n<Alternatives/>");
     EXPECT_TRUE(RECORDKIT::LooksLikeXml(document.toUtf8()));
     EXPECT_TRUE(RECORDKIT::LooksLikeXml("\xEF\xBB\xBF" + document.toUtf8()));
-    for (const WideFormName& wide : WideForms) {
-        EXPECT_TRUE(RECORDKIT::LooksLikeXml(encodeWide(document, wide.form))) << wide.name;
+    for (const WideForm& wide : WideForms) {
+        EXPECT_TRUE(RECORDKIT::LooksLikeXml(encodeWide(document, wide))) << wide.name;
         // Without a byte order mark, the first '<' tells the encoding.
-        const QByteArray bare = encodeWide(document.trimmed(), wide.form, false);
+        const QByteArray bare = encodeWide(document.trimmed(), wide, false);
         EXPECT_TRUE(RECORDKIT::LooksLikeXml(bare)) << wide.name;
     }
     EXPECT_FALSE(RECORDKIT::LooksLikeXml(QByteArray()));

@@ -44,38 +44,31 @@ inline std::shared_ptr<RecordingLogger> attachLogger(const RECORDKIT::IRKObject&
 }
 
 // Texts in the wide Unicode forms, written here rather than through a codec,
-// which Qt 6 Core no longer has.
-enum class WideForm { Utf16LE, Utf16BE, Utf32LE, Utf32BE };
-
-struct WideFormName {
-    WideForm form;
+// which Qt 6 Core no longer has: `width` bytes a unit, little or big end first.
+struct WideForm {
     const char* name;
+    int width;
+    bool little;
 };
-constexpr WideFormName WideForms[] = {{WideForm::Utf16LE, "UTF-16LE"},
-                                      {WideForm::Utf16BE, "UTF-16BE"},
-                                      {WideForm::Utf32LE, "UTF-32LE"},
-                                      {WideForm::Utf32BE, "UTF-32BE"}};
+constexpr WideForm WideForms[] = {{"UTF-16LE", 2, true},
+                                  {"UTF-16BE", 2, false},
+                                  {"UTF-32LE", 4, true},
+                                  {"UTF-32BE", 4, false}};
 
 // `text` in `form`, with a byte order mark in front when `withMark` is true.
-inline QByteArray encodeWide(const QString& text, WideForm form, bool withMark = true)
+inline QByteArray encodeWide(const QString& text, const WideForm& form, bool withMark = true)
 {
-    const bool wide32 = form == WideForm::Utf32LE || form == WideForm::Utf32BE;
-    const bool little = form == WideForm::Utf16LE || form == WideForm::Utf32LE;
-    const int width = wide32 ? 4 : 2;
+    const QString marked = withMark ? QChar(0xFEFF) + text : text;
     QByteArray bytes;
-    auto put = [&](quint32 unit) {
-        for (int i = 0; i < width; ++i) {
-            const int shift = 8 * (little ? i : width - 1 - i);
-            bytes.append(char((unit >> shift) & 0xFF));
-        }
+    const auto put = [&](uint unit) {
+        for (int i = 0; i < form.width; ++i)
+            bytes.append(char((unit >> (8 * (form.little ? i : form.width - 1 - i))) & 0xFF));
     };
-    if (withMark)
-        put(0xFEFF);
-    if (wide32) {
-        for (const uint codePoint : text.toUcs4())
+    if (form.width == 4) {
+        for (const uint codePoint : marked.toUcs4())
             put(codePoint);
     } else {
-        for (const QChar unit : text)
+        for (const QChar unit : marked)
             put(unit.unicode());
     }
     return bytes;
