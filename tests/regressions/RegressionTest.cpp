@@ -1,6 +1,7 @@
 // Inputs on which the fuzz targets once found a fault, run again through the
 // same steps: read, check, write in every form, read back. Each folder holds
-// the inputs of one target, first byte included.
+// the inputs of one target, first byte included (what the raw dates among
+// them must read as is in RawDateTest).
 
 #include <gtest/gtest.h>
 
@@ -36,19 +37,6 @@ TEST(Regressions, FoundInputsPassEveryStep)
     runAll("any", Fuzzing::runAnyClass, count);
     runAll("json", Fuzzing::runJson, count);
     EXPECT_GT(count, 0);
-}
-
-// A raw date that names a time zone unknown here is taken as no date: Qt
-// cannot write such a zone back.
-TEST(Regressions, RawDateWithAnUnknownTimeZoneReadsAsNoDate)
-{
-    QFile file(QStringLiteral(EDD_REGRESSIONS_DIR "/raw/unknown-time-zone.bin"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EMITTERDOSSIERDOC::EmitterDossier d;
-    TestSupport::readRaw(d, file.readAll().mid(1));
-    EXPECT_TRUE(d.IsDetectionTimeSet());
-    EXPECT_FALSE(d.GetDetectionTime().isValid());
-    EXPECT_FALSE(TestSupport::raw(d).isEmpty());
 }
 
 // A hostile kilobyte: counts that claim two thousand million items reserve no
