@@ -13,6 +13,7 @@
 //   read-raw HEX             the raw reader, on a stream of the library's version
 //   read-json TEXT           FromJson; read-json-hex gives the document's bytes in hex
 //   check                    Check(true), which logs every fault; check-raising: Check()
+//   merge CLASS JSON         MergeRKObject of a record of CLASS read from JSON; merge-itself
 //   returns true|false       what the read gave (read-xml, read-bytes, read-json)
 //   error TEXT               the error FromJson gives; without it, none may be given
 //   raises TYPE MESSAGE      the exception the read raises; without it, none may be raised
@@ -122,6 +123,13 @@ void runCase(const Case& c)
                 const int space = line.second.indexOf(QLatin1Char(' '));
                 readTagged(*object, QByteArray::fromHex(line.second.mid(space + 1).toLatin1()),
                            line.second.left(space).toInt());
+            } else if (key == QLatin1String("merge")) {
+                const int space = line.second.indexOf(QLatin1Char(' '));
+                std::unique_ptr<Frame::Record> other(Frame::FindClass(line.second.left(space))->create());
+                EXPECT_TRUE(Frame::FromJson(*other, line.second.mid(space + 1).toUtf8()));
+                returned = object->MergeRKObject(*other) ? "true" : "false";
+            } else if (key == QLatin1String("merge-itself")) {
+                returned = object->MergeRKObject(*object) ? "true" : "false";
             } else if (key == QLatin1String("check")) {
                 object->Check(true);
             } else if (key == QLatin1String("check-raising")) {

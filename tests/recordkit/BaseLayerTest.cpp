@@ -79,39 +79,3 @@ TEST(BaseValidity, PlainValuesAsTheBaseSeesThem)
     EXPECT_FALSE(a.IsValid(i));
     EXPECT_TRUE(a.IsValid(true));
 }
-
-TEST(Merge, LaysSetPropertiesOverAndAppendsItems)
-{
-    BeamDuration target;
-    target.Setunit(BeamDuration::unit(0));
-    target.SetMean(1);
-    target.SetMin(2);
-    BeamDuration source;
-    source.SetMean(5);
-    source.SetTol(0.125);
-    ASSERT_TRUE(target.MergeRKObject(source));
-    EXPECT_EQ(target.GetMean(), 5.0);
-    EXPECT_EQ(target.GetMin(), 2.0);
-    EXPECT_EQ(target.GetTol(), 0.125);  // exact: no text on the way
-    EXPECT_TRUE(target.IsunitSet());
-
-    Alternatives list;
-    list.AppendAlternative(makeAlternative("A", "1", 0.5));
-    Alternatives more;
-    more.AppendAlternative(makeAlternative("B", "2", 0.25));
-    ASSERT_TRUE(list.MergeRKObject(more));
-    ASSERT_EQ(list.GetAlternative().size(), 2);
-    EXPECT_EQ(list.GetAlternative().at(1).GetName(), QStringLiteral("B"));
-    ASSERT_TRUE(list.MergeRKObject(list));
-    EXPECT_EQ(list.GetAlternative().size(), 4);
-}
-
-TEST(Merge, AnotherClassIsRefusedAndNothingChanges)
-{
-    BeamDuration target;
-    target.SetMean(1);
-    ScanCycle other;
-    other.SetMean(2);
-    EXPECT_FALSE(target.MergeRKObject(other));
-    EXPECT_EQ(target.GetMean(), 1.0);
-}
