@@ -106,6 +106,18 @@ TEST(AttributeLimit, PastTheLimitEveryWayInIsStoppedAtItsLine)
     }
 }
 
+// The first bytes tell the encoding and are counted too; a space before the
+// first '<' is no sign of a wide encoding.
+TEST(AttributeLimit, TheFirstBytesAreCountedAndASpaceBeforeTheTagIsNoWideForm)
+{
+    Alternative first;
+    EXPECT_FALSE(first.SetXmlBytes(manyAttributes(300).toUtf8()));
+    Alternatives spaced;
+    auto logger = attachLogger(spaced);
+    EXPECT_FALSE(spaced.SetXmlBytes(" " + listWith(manyAttributes(300)).toUtf8()));
+    expectStoppedAtLine3(spaced, *logger);
+}
+
 TEST(AttributeLimit, QuotesOutsideStartTagsAreNoAttributes)
 {
     QString quotes;
