@@ -39,8 +39,8 @@ TEST(Logger, DefaultWritesLevelAndMessageToStandardError)
     testing::internal::CaptureStderr();
     logger.Log(RECORDKIT::ERROR, QStringLiteral("Bearing: Please set unit properly."));
     logger.Log(RECORDKIT::WARNING, QStringLiteral("w"));
-    logger.Log(RECORDKIT::LogLevel(7), QStringLiteral("x"));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR: Bearing: Please set unit properly.\nWARNING: w\n7: x\n");
+    logger.Log(RECORDKIT::LogLevel(3), QStringLiteral("x"));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR: Bearing: Please set unit properly.\nWARNING: w\n3: x\n");
 }
 
 TEST(Logger, ObjectsHaveNoLoggerUntilGivenOne)
