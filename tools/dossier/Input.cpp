@@ -129,12 +129,8 @@ void loadTagged(const QString& path, QByteArray& bytes, Loaded& loaded, const Lo
     stream.setVersion(RECORDKIT::StreamVersion);
     if (!loaded.record->SetBinaryRepresentation(stream))
         loaded.error = readError(path, *loaded.logger);
-    else if (!stream.atEnd()) {
-        QString what = QStringLiteral("the tagged form of %1").arg(Frame::ClassName(entry->info()));
-        if (loaded.form == Form::Compressed)
-            what += QStringLiteral(" in the compressed form");
-        loaded.error = trailingBytes(path, stream, what);
-    }
+    else if (!stream.atEnd())
+        loaded.error = bytesAfterTaggedForm(path, bytes.size() - stream.device()->pos(), *entry, loaded.form);
 }
 
 }  // namespace
@@ -228,6 +224,15 @@ bool readsStandardInputOnce(const QStringList& paths)
         return true;
     error(QStringLiteral("standard input can be read only once: give - for one file at most"));
     return false;
+}
+
+QString bytesAfterTaggedForm(const QString& path, qint64 count, const ClassEntry& entry, Form form)
+{
+    return QStringLiteral("%1: %2 bytes follow the tagged form of %3%4")
+        .arg(path)
+        .arg(count)
+        .arg(Frame::ClassName(entry.info()),
+             form == Form::Compressed ? QStringLiteral(" in the compressed form") : QString());
 }
 
 const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem)

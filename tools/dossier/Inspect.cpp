@@ -191,8 +191,13 @@ int runInspect(const QStringList& args)
         error(QStringLiteral("%1: %2").arg(path, body.problem));
         return Unreadable;
     }
-    if (8 + length != bytes.size())
-        out(QStringLiteral("%1 bytes follow the block").arg(bytes.size() - 8 - length));
+    // Bytes after the block are shown, and make the file as damaged as check finds it.
+    if (8 + length != bytes.size()) {
+        const qint64 after = bytes.size() - 8 - length;
+        out(QStringLiteral("%1 bytes follow the block").arg(after));
+        error(bytesAfterTaggedForm(path, after, *entry, form));
+        return Unreadable;
+    }
     return Success;
 }
 

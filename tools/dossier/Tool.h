@@ -85,6 +85,10 @@ bool readsStandardInputOnce(const QStringList& paths);
 // compressed form that cannot be unpacked.
 const ClassEntry* findTagged(QByteArray& bytes, Form& form, QString& problem);
 
+// The error for `count` bytes after the tagged form of `entry`, plain or in
+// the compressed form: the same for every command that reads one.
+QString bytesAfterTaggedForm(const QString& path, qint64 count, const ClassEntry& entry, Form form);
+
 // Reads a file in the form it holds: XML by its first start element, JSON by
 // the name of its outer object's member, tagged and compressed by the outer
 // block with a known class id, raw only on request.
