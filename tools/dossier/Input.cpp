@@ -307,6 +307,9 @@ QString escaped(const QString& text)
         default:
             if (code < 0x20 || (code >= 0x7f && code <= 0x9f))
                 result += QStringLiteral("\\x%1").arg(code, 2, 16, QLatin1Char('0'));
+            else if (code == 0x2028 || code == 0x2029 || (code >= 0x202a && code <= 0x202e) ||
+                     (code >= 0x2066 && code <= 0x2069))
+                result += QStringLiteral("\\u%1").arg(code, 4, 16, QLatin1Char('0'));
             else
                 result += c;
         }

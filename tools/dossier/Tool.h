@@ -99,8 +99,11 @@ QByteArray formBytes(const Record& record, Form form,
                      EMITTERDOSSIERDOC::Frame::JsonLayout json = EMITTERDOSSIERDOC::Frame::JsonLayout::Indented);
 
 // Text for a person, with nothing in it that a terminal would act on: a
-// backslash becomes \\, a newline \n, a carriage return \r, a tab \t, and every
-// other control character (U+0000-U+001F, U+007F-U+009F) \xHH, its code in hex.
+// backslash becomes \\, a newline \n, a carriage return \r, a tab \t, every
+// other control character (U+0000-U+001F, U+007F-U+009F) \xHH, its code in
+// hex, and the line and paragraph separators and the bidirectional controls
+// (U+2028, U+2029, U+202A-U+202E, U+2066-U+2069), which break or reorder a
+// terminal's line, \uHHHH.
 QString escaped(const QString& text);
 // One line on standard error, escaped: "dossier: <text>".
 void error(const QString& text);
