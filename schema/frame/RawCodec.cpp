@@ -49,7 +49,7 @@ void Internal::writeRaw(const Record& r, DataOut& out)
             break;
         case Kind::DateTime:
             if (present)
-                out.viaStream([&](QDataStream& stream) { stream << value<QDateTime>(p, f); });
+                out.viaStream([&](QDataStream& stream) { writeRawDateTime(stream, value<QDateTime>(p, f)); });
             break;
         case Kind::Bool:
             if (present)

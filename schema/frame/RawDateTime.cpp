@@ -100,6 +100,14 @@ QTimeZone readZone(QDataStream& stream)
 
 }  // namespace
 
+void writeRawDateTime(QDataStream& stream, const QDateTime& value)
+{
+    if (value.timeSpec() == Qt::TimeZone && !value.timeZone().isValid())
+        stream << QDateTime();
+    else
+        stream << value;
+}
+
 void readRawDateTime(QDataStream& stream, QDateTime& value)
 {
     if (stream.version() < QDataStream::Qt_5_2) {

@@ -1,6 +1,7 @@
 #pragma once
 
-// The date of the raw form, read without letting the record choose a file.
+// The date of the raw form, read without letting the record choose a file, and
+// written whatever zone a caller set.
 
 #include <QDataStream>
 #include <QDateTime>
@@ -14,6 +15,10 @@ namespace Frame {
 // made from its parts. Any other zone, and a kind of time (Qt::TimeSpec) that Qt does not
 // define, gives QDateTime(). Nothing is reported.
 void readRawDateTime(QDataStream& stream, QDateTime& value);
+// Writes `value` as QDataStream does, except a date in a zone Qt does not know
+// (its writer cannot write one): that is no date, as in the text forms, and
+// is written as the null date.
+void writeRawDateTime(QDataStream& stream, const QDateTime& value);
 
 }  // namespace Frame
 }  // namespace EMITTERDOSSIERDOC

@@ -22,6 +22,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <EmitterDossierDoc/frame/Json.h>
+
 #include "support/TestSupport.h"
 
 using namespace EMITTERDOSSIERDOC;
@@ -275,6 +277,28 @@ TEST(RawDate, AWellFormedUnlistedIdOfAnOffsetZoneMakesACustomZone)
     EXPECT_EQ(date.timeZone().comment(), QStringLiteral("Zone comment"));
     EXPECT_EQ(date.timeZone().country(), QLocale::France);
     EXPECT_EQ(date.toUTC(), QDateTime(sampleDay(), QTime(13, 5, 33, 250), Qt::UTC));
+}
+
+// A date in a zone Qt does not know is set but no date: Qt's writer cannot
+// write the zone, so the raw form writes the null date, and every form reads
+// back what the others do.
+TEST(RawDate, ADateInAnUnknownZoneIsNoDateInEveryForm)
+{
+    for (const QTimeZone& zone : {QTimeZone("Nowhere/Nothing"), QTimeZone()}) {
+        EmitterDossier d = sampleWithDate(QDateTime(sampleDay(), sampleTimeOfDay(), zone));
+        EXPECT_EQ(raw(d), raw(sampleWithDate(QDateTime())));
+        EmitterDossier fromRaw, fromXml, fromTagged, fromJson;
+        TestSupport::readRaw(fromRaw, raw(d));
+        ASSERT_TRUE(fromXml.SetXmlString(d.GetXmlString(), false));
+        QByteArray tagged = d.GetBinaryRepresentationAsQByteArray();
+        ASSERT_TRUE(fromTagged.SetBinaryRepresentation(tagged));
+        ASSERT_TRUE(Frame::FromJson(fromJson, Frame::ToJson(d)));
+        for (const EmitterDossier* back : {&fromRaw, &fromXml, &fromTagged, &fromJson}) {
+            EXPECT_TRUE(back->IsDetectionTimeSet());
+            EXPECT_FALSE(back->GetDetectionTime().isValid());
+            EXPECT_EQ(raw(*back), raw(fromRaw));
+        }
+    }
 }
 
 // A kind-of-time byte that is no Qt::TimeSpec carries nothing more, in Qt's reader too.
