@@ -26,6 +26,11 @@ const QString& xsNamespace()
 const char* const TwoDecimalsType = "twoDecimals";
 const char* const TrueOrFalseType = "trueOrFalse";
 const char* const UtcDateTimeType = "utcDateTime";
+// A whole number in element text or content: the reader takes it with the
+// signed conversion, so above the largest qint64 it would read as 0. In an
+// attribute it is read unsigned, and xs:unsignedLong holds every value.
+const char* const ElementIntegerType = "elementInteger";
+const char* const LargestElementInteger = "9223372036854775807";
 
 // A double's text, `arg(value, 0, 'f', 2)`: fixed notation with exactly two
 // decimals, which Qt writes as "nan", "inf" and "-inf" for what has no digits.
@@ -45,7 +50,9 @@ QString typeName(const ClassInfo& owner, const FieldInfo& field)
 {
     switch (FieldKind(field)) {
     case Kind::Double: return QLatin1String(TwoDecimalsType);
-    case Kind::UInt64: return QStringLiteral("xs:unsignedLong");
+    case Kind::UInt64:
+        return FieldXmlForm(field) == XmlForm::Attribute ? QStringLiteral("xs:unsignedLong")
+                                                         : QLatin1String(ElementIntegerType);
     case Kind::Bool: return QLatin1String(TrueOrFalseType);
     case Kind::Text: return QStringLiteral("xs:string");
     case Kind::DateTime: return QLatin1String(UtcDateTimeType);
@@ -119,6 +126,14 @@ private:
         writePatternType(TwoDecimalsType, TwoDecimalsPattern);
         writeEnumerationType(QLatin1String(TrueOrFalseType), {QStringLiteral("true"), QStringLiteral("false")});
         writePatternType(UtcDateTimeType, UtcDateTimePattern);
+        start("simpleType");
+        attribute("name", QLatin1String(ElementIntegerType));
+        start("restriction");
+        attribute("base", QStringLiteral("xs:unsignedLong"));
+        empty("maxInclusive");
+        attribute("value", QLatin1String(LargestElementInteger));
+        end();
+        end();
     }
 
     void writePatternType(const char* name, const char* pattern)

@@ -4,7 +4,8 @@
 //   filled.xml          a dossier with every class and many list items
 //   extremes.xml        the texts at the edges of what the writer makes:
 //                       nan, inf, -inf, -0.00, a 301-digit number, the
-//                       largest id, a five-digit year, empty and escaped texts
+//                       largest whole numbers that read back (element and
+//                       attribute), a five-digit year, empty and escaped texts
 //   negative-year.xml   a date before the year 0
 //   invalid-date.xml    a date that is set but invalid, written empty
 //   classes/<Class>.xml one document for each class, its root that class
@@ -46,7 +47,10 @@ EmitterDossier extremes()
     bearing.SetAzimuthTol(-0.001);
     bearing.SetElevation(1e300);
     d.SetDetectionTime(QDateTime(QDate(12345, 1, 2), QTime(3, 4, 5, 6), Qt::UTC));
-    d.GetELINTParameter().GetScan().SetNumberOfBars(std::numeric_limits<quint64>::max());
+    // The largest whole numbers that read back: in element text the signed
+    // conversion's, in an attribute the unsigned one's.
+    d.GetELINTParameter().GetScan().SetNumberOfBars(quint64(std::numeric_limits<qint64>::max()));
+    d.GetELINTParameter().GetSequence().GetPulseList().GetPulseItem()[0].Setid(std::numeric_limits<quint64>::max());
     d.SetModeName(QStringLiteral(""));
     d.SetEmitterID(QStringLiteral("<&> \"dB\u00b5V\" ]]> \u65e5\u672c"));
     return d;
