@@ -75,6 +75,20 @@ void writeRawRecord(DataOut& out, quint32 tag, const QString& value)
 
 bool Internal::writeTagged(const Record& r, QDataStream& stream, int tag, bool withTag)
 {
+    // Lengths are patched on the device once a block's payload is written,
+    // which needs a device that can seek back. For one that cannot, a pipe or
+    // a socket, the form is gathered whole and written in one piece.
+    QIODevice* device = stream.device();
+    if (device && device->isSequential()) {
+        QByteArray bytes;
+        QDataStream gathered(&bytes, QIODevice::WriteOnly);
+        gathered.setVersion(stream.version());
+        gathered.setByteOrder(stream.byteOrder());
+        gathered.setFloatingPointPrecision(stream.floatingPointPrecision());
+        const bool written = writeTagged(r, gathered, tag, withTag);
+        stream.writeRawData(bytes.constData(), bytes.size());
+        return written;
+    }
     DataOut out(stream);
     return writeTagged(r, out, tag, withTag);
 }

@@ -184,6 +184,36 @@ TEST(DirectWrite, TheRawFormFollowsTheStreamsSettings)
     }
 }
 
+// A device that cannot seek back, as a pipe or a socket.
+class PipeDevice : public QIODevice {
+public:
+    QByteArray written;
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    qint64 writeData(const char* data, qint64 size) override
+    {
+        written.append(data, int(size));
+        return size;
+    }
+};
+
+TEST(DirectWrite, ADeviceThatCannotSeekGetsTheSameBytes)
+{
+    const EmitterDossier dossier = filledDossier(3000, 300);
+    PipeDevice pipe;
+    pipe.open(QIODevice::WriteOnly);
+    QDataStream out(&pipe);
+    out.setVersion(RECORDKIT::StreamVersion);
+    pipe.write("abc");
+    dossier.GetBinaryRepresentation(out);
+    dossier.GetCompressedBinaryRepresentation(out, 9);
+    EXPECT_EQ(out.status(), QDataStream::Ok);
+    EXPECT_TRUE(pipe.written == "abc" + dossier.GetBinaryRepresentationAsQByteArray() +
+                                    dossier.GetCompressedBinaryRepresentationAsQByteArray(9));
+}
+
 TEST(DirectWrite, ATaggedFormLargerThanAPieceIsPatchedOnTheDevice)
 {
     // Blocks that begin in a piece already handed to the device get their
