@@ -2,7 +2,8 @@
 # Builds everything with clang, AddressSanitizer, UndefinedBehaviorSanitizer
 # and libFuzzer's coverage in build-san/, and runs there the whole test suite
 # (any report fails a test) and then a short run of every fuzz target. One
-# build serves both, and it is also the project's clang build.
+# build serves both, and it is also the project's clang build: the library,
+# the tool, the tests, the examples, the benchmarks and the fuzz targets.
 #
 #   sanitize.sh           the suite, then the fuzz runs
 #   sanitize.sh --suite   the suite only
@@ -25,7 +26,7 @@ esac
 
 bash scripts/install-deps.sh
 cmake -S . -B build-san -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DEDD_FUZZ=ON -DBUILD_TESTING=ON -DEDD_BUILD_BENCH=OFF -DEDD_FUZZ_SECONDS="${EDD_FUZZ_SECONDS:-30}"
+  -DEDD_FUZZ=ON -DBUILD_TESTING=ON -DEDD_BUILD_BENCH=ON -DEDD_FUZZ_SECONDS="${EDD_FUZZ_SECONDS:-30}"
 if $suite; then
   cmake --build build-san -j2
 else
